@@ -1,0 +1,46 @@
+// Spotlight metadata of single files. On macOS the system answers; elsewhere the portable sources
+// do: index of the examined volume, extended attributes, AppleDouble companions, file system.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+
+namespace platform {
+
+// What is known of one attribute's value.
+struct attribute_description
+{
+    QString text;              // the description that Core Foundation prints for the value
+    bool has_c_string = false; // whether the system hands that text out as a C string directly
+};
+
+// One file. Attributes are looked up when asked for.
+class spotlight_item
+{
+public:
+    virtual ~spotlight_item() = default;
+    // The attribute of that public name ("kMDItemFSName"); nullopt when the file has none.
+    [[nodiscard]] virtual std::optional<attribute_description>
+    attribute(const QString &name) const = 0;
+};
+
+// Makes items for the files of one examined source; keeps what is worth keeping between files.
+class spotlight_catalog
+{
+public:
+    virtual ~spotlight_catalog() = default;
+    // `path`: absolute, reachable here, links already resolved. Null when there is no such file.
+    // The item must not outlive the catalog.
+    [[nodiscard]] virtual std::unique_ptr<spotlight_item> item(const QString &path) = 0;
+    // Lines worth a place in the debug log that have come up since the last call: which sources of
+    // metadata were found, why one could not be used.
+    [[nodiscard]] virtual QStringList take_notes() = 0;
+};
+
+// `source_root`: folder at which the source's file system is reachable; nothing outside is read.
+[[nodiscard]] std::unique_ptr<spotlight_catalog> make_spotlight_catalog(const QString &source_root);
+
+} // namespace platform

@@ -1,0 +1,173 @@
+#include "source_boundary.h"
+
+#include <QFile>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <climits>
+#include <cstdlib>
+#include <vector>
+
+namespace support {
+
+namespace {
+
+constexpr int most_links_followed = 40; // what the system itself allows
+
+QByteArray folder_of(const QString &root)
+{
+    QByteArray folder = QFile::encodeName(root);
+    if (folder.isEmpty())
+        return QByteArrayLiteral("./");
+    // Without a trailing "/" the root is a prefix of names; the folder is what precedes them.
+    return folder.left(folder.lastIndexOf('/') + 1);
+}
+
+QByteArray without_links(const QByteArray &folder)
+{
+    char *real = ::realpath(folder.constData(), nullptr);
+    if (real == nullptr)
+        return {};
+    QByteArray path(real);
+    std::free(real);
+    if (!path.endsWith('/'))
+        path += '/';
+    return path;
+}
+
+bool exists(const QByteArray &path)
+{
+    struct stat status = {};
+    return ::lstat(path.constData(), &status) == 0;
+}
+
+} // namespace
+
+// One resolution: what is still to be walked, and the way that was found so far.
+class source_boundary::walk
+{
+public:
+    explicit walk(const source_boundary &boundary)
+        : boundary_(boundary)
+    {
+    }
+
+    reach run(const QByteArray &below_root)
+    {
+        push(below_root);
+        while (!pending_.empty()) {
+            const QByteArray name = pending_.back();
+            pending_.pop_back();
+            const reach after = step(name);
+            if (after != reach::inside)
+                return after;
+        }
+        return reach::inside;
+    }
+
+    [[nodiscard]] QByteArray path() const
+    {
+        QByteArray joined = boundary_.root_;
+        for (size_t i = 0; i < found_.size(); ++i) {
+            if (i > 0)
+                joined += '/';
+            joined += found_[i];
+        }
+        return joined;
+    }
+
+private:
+    void push(const QByteArray &path)
+    {
+        const QList<QByteArray> names = path.split('/');
+        for (auto name = names.crbegin(); name != names.crend(); ++name)
+            pending_.push_back(*name);
+    }
+
+    reach step(const QByteArray &name)
+    {
+        if (name.isEmpty() || name == ".")
+            return reach::inside;
+        if (name == "..") {
+            if (found_.empty())
+                return reach::outside;
+            found_.pop_back();
+            return reach::inside;
+        }
+        found_.push_back(name);
+        struct stat status = {};
+        const QByteArray here = path();
+        if (::lstat(here.constData(), &status) != 0)
+            return reach::missing;
+        if (S_ISLNK(status.st_mode))
+            return follow(here);
+        if (!S_ISDIR(status.st_mode) && !pending_.empty())
+            return reach::missing;
+        return reach::inside;
+    }
+
+    reach follow(const QByteArray &link)
+    {
+        if (++links_followed_ > most_links_followed)
+            return reach::missing;
+        char target[PATH_MAX];
+        const ssize_t length = ::readlink(link.constData(), target, sizeof target);
+        if (length <= 0 || length == static_cast<ssize_t>(sizeof target))
+            return reach::missing;
+        found_.pop_back();
+        const QByteArray text(target, static_cast<int>(length));
+        return text.startsWith('/') ? follow_absolute(text) : (push(text), reach::inside);
+    }
+
+    reach follow_absolute(const QByteArray &target)
+    {
+        found_.clear();
+        if (exists(boundary_.root_ + target.mid(1))) {
+            push(target);
+            return reach::inside;
+        }
+        for (const QByteArray &prefix : {boundary_.root_, boundary_.real_root_}) {
+            if (!prefix.isEmpty() && target.startsWith(prefix)) {
+                push(target.mid(prefix.size()));
+                return reach::inside;
+            }
+        }
+        // A dangling link into a folder that the source does have is just dangling.
+        const QByteArray first_name = target.mid(1).split('/').constFirst();
+        if (first_name.isEmpty() || !exists(boundary_.root_ + first_name))
+            return reach::outside;
+        push(target);
+        return reach::inside;
+    }
+
+    const source_boundary &boundary_;
+    std::vector<QByteArray> pending_; // names to walk, the next one last
+    std::vector<QByteArray> found_;   // names below the root, free of links
+    int links_followed_ = 0;
+};
+
+source_boundary::source_boundary(const QString &root)
+    : root_(folder_of(root))
+    , real_root_(without_links(root_))
+{
+}
+
+resolved_path source_boundary::resolve(const QString &path) const
+{
+    const QByteArray encoded = QFile::encodeName(path);
+    const bool is_root = encoded + '/' == root_;
+    if (!is_root && !encoded.startsWith(root_) && root_ != "./")
+        return {reach::outside, {}};
+    if (encoded.contains('\0'))
+        return {reach::missing, {}};
+    const bool relative = root_ == "./" && !encoded.startsWith(root_);
+    walk steps(*this);
+    const reach where =
+        steps.run(is_root ? QByteArray() : encoded.mid(relative ? 0 : root_.size()));
+    if (where != reach::inside)
+        return {where, {}};
+    return {reach::inside, QFile::decodeName(steps.path())};
+}
+
+} // namespace support

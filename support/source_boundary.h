@@ -1,0 +1,39 @@
+// Keeps every access inside the examined source: links are followed as the examined machine would
+// have followed them, never out of the source.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace support {
+
+// Where a path leads.
+enum class reach { inside, missing, outside };
+
+struct resolved_path
+{
+    reach where = reach::missing;
+    // Free of links, reachable here; null unless `where` is inside.
+    QString path;
+};
+
+class source_boundary
+{
+public:
+    // `root`: where the source's file system is reachable, as the host names it.
+    explicit source_boundary(const QString &root);
+
+    // Resolves `path`, which must start with the root, component by component. A relative link
+    // counts from its folder, an absolute one from the source's own root (/Users/... is looked up
+    // below the root) or, if it names a place inside the source as seen from this machine, from
+    // there. `outside` when ".." or a link leaves the source, or the path does not start inside.
+    // `missing` when a component does not exist. At most 40 links are followed, as by the system.
+    [[nodiscard]] resolved_path resolve(const QString &path) const;
+
+private:
+    class walk;
+    QByteArray root_;      // as given, encoded, with a trailing "/"
+    QByteArray real_root_; // free of links, with a trailing "/"; empty when there is no such folder
+};
+
+} // namespace support

@@ -1,0 +1,14 @@
+#include "printing.h"
+
+#include <QApplication>
+
+#include <gtest/gtest.h>
+
+// The frame and the adapters are widgets: they need an application, but no display.
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
