@@ -17,6 +17,8 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <atomic>
+
 struct __CFString;
 #ifdef __OBJC__
 @class NSDate;
@@ -25,6 +27,10 @@ struct __CFString;
 class NSDate;
 class NSObject;
 #endif
+
+namespace platform {
+class spotlight_catalog;
+}
 
 // Times of one file in seconds since 1970 UTC; 0 where the file system does not tell.
 struct struct_posix_timestamp {
@@ -58,7 +64,8 @@ class plugin_static_function : public QWidget {
     static QFile debug_file_regular_QFile;
     static int type_engine_int;
     static int source_count_int;
-    static bool bool_cancel_extraction;
+    // Set from another thread while a run goes on; long loops poll it.
+    static std::atomic<bool> bool_cancel_extraction;
     static QString source_os_version_full;
     static QList<struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_system_account> system_account_QList;
 
@@ -71,6 +78,10 @@ class plugin_static_function : public QWidget {
     static void set_cancel_extraction(bool cancel);
     // "Source" and the count: "Source1".
     static QString get_source_count_name();
+    // Metadata of the current source's files; null while no source is set. Owned here, until
+    // another source is set or it is released.
+    static platform::spotlight_catalog *metadata_catalog();
+    static void release_metadata_catalog();
 
     static void clear_variables_haldo_and_artifact_common_source_info(
         struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_source_info &info);
