@@ -1,0 +1,99 @@
+// Adapter for macOS sources: finds what the client left in every user's home and turns it into
+// rows. Its operations are spread over files by topic: settings (cyberduck_macos.cpp),
+// source_discovery, extraction_driver, one file per extractor, extended_attributes.
+#pragma once
+
+#include "extractor_run.h"
+#include "plugin/host_records.h"
+
+#include <QElapsedTimer>
+#include <QList>
+#include <QPair>
+#include <QSqlDatabase>
+#include <QString>
+#include <QStringList>
+#include <QWidget>
+
+#include <atomic>
+#include <memory>
+
+class plugin_helper_functions;
+
+class cyberduck_macos : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit cyberduck_macos(QWidget *parent = nullptr);
+    ~cyberduck_macos() override;
+
+    // Each keeps its argument (the two records of machine and settings are not used).
+    void macos_set_plugin_helper_obj(plugin_helper_functions *helper); // not owned
+    void macos_set_record_count(qint64 count);
+    void macos_set_tab_processed_count(int count);
+    void macos_set_desktop_info(struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_desktop_info info);
+    void macos_set_general_info(struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_general_info info);
+    // The users of earlier sources stay in the list: the host may examine several, one by one.
+    void macos_set_source_info(struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_source_info info);
+    void macos_set_essentials();              // arms the cancel flag again
+    void macos_set_plugin_name(QString name); // trimmed
+    void macos_set_destination_location(QString result_dir, QString temp_dir, QString db_path);
+    // Keeps the names that the transfers extractor does not read anyway.
+    void macos_set_extended_attributes_list(QStringList attributes);
+    void macos_set_essential_for_haldo_bench_extraction(QStringList tabs);
+    void macos_set_engine_type(int type);
+    void macos_cancel_extraction(); // may come from another thread
+    void macos_set_source_count(int count);
+
+    // Lists the users' folders and files; needs the source record.
+    void macos_find_artifacts_source();
+    // Runs the extractors of the selected tabs and emits the counts.
+    void macos_extract_artifacts();
+
+    // The extractors: each writes its rows into the result database in one transaction and adds
+    // them to the record count. Failures are lines of the debug log.
+    void xcode_extract_bookmarks();
+    void xcode_extract_history();
+    void xcode_extract_preferences(QString plist_path, QString user_name);
+    // One preference row through a connection that the caller holds open.
+    void insert_values_fun(QString label, QString value, QSqlDatabase &database, QString plist_path,
+                           QString user_name);
+
+Q_SIGNALS:
+    void signal_extracted_records_of_plugin_macos(qint64 records);
+    void signal_total_tabs_processed_macos(int tabs);
+
+private:
+    void find_source_file();
+    void filter_extended_attribute_list();
+    void extract_plugin_artifacts();
+    void extract_tab(const char *tab, void (cyberduck_macos::*extractor)());
+    bool extract_all_preferences();
+    void count_tab();
+    // Adds one to the record count and emits it about once a second.
+    void count_row();
+    [[nodiscard]] macos::run_environment environment();
+
+    qint64 record_count = 0;
+    int tab_processed_count = 0;
+    std::unique_ptr<QElapsedTimer> extraction_timer; // invalid until the first run
+    plugin_helper_functions *plugin_helper_obj = nullptr;
+    QString temp_dir_path;
+    QString destination_db_path;
+    QString result_dir_path;
+    QStringList extended_attributes_list;
+    QString source_type_internal;
+    QString fs_extraction_source_path;
+    int engine_type = -1;
+    std::atomic<bool> cancel_extraction_flag{false};
+    int source_count = -1;
+    QString os_scheme_display;
+    QStringList system_user_list;
+    QStringList essential_tab_list;
+    QString plugin_name;
+    // What discovery found: at most one entry of each kind per user, existing paths.
+    QStringList bookmarks_dir_list;
+    QStringList history_dir_list;
+    QStringList transfers_dir_list;
+    QStringList preferences_file_list;
+};

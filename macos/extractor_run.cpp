@@ -1,0 +1,145 @@
+#include "extractor_run.h"
+
+#include "support/plugin_static_function.h"
+
+namespace macos {
+
+namespace {
+
+constexpr int seconds_digits = 10; // of a time stamp between 2001 and 2286
+
+} // namespace
+
+QString trimmed_text(const platform::property_list_value &dictionary, const char *key)
+{
+    return dictionary.value(QLatin1String(key)).text().trimmed();
+}
+
+QString seconds_text(const platform::property_list_value &dictionary, const char *key)
+{
+    return trimmed_text(dictionary, key).left(seconds_digits);
+}
+
+platform::property_list_value dictionary_of(const platform::property_list_value &parent,
+                                            const char *key)
+{
+    const platform::property_list_value value = parent.value(QLatin1String(key));
+    return value.is(platform::value_kind::dictionary) ? value : platform::property_list_value();
+}
+
+QString recorded_path(const platform::property_list_value &parent, const char *key)
+{
+    return trimmed_text(dictionary_of(parent, key), "Path");
+}
+
+void fill_origin(const loaded_list &list, const run_environment &environment, row_origin *row)
+{
+    const path_mapper paths(environment.source_root, environment.source_type);
+    const QPair<QString, QString> files = paths.source_files(list.path, list.user);
+    row->system_user = list.user;
+    row->source_file = files.first;
+    row->artifacts_relation_source_file = files.second;
+    row->source_count_name = plugin_static_function::get_source_count_name();
+    row->os_scheme_display = environment.os_display;
+}
+
+extractor_run::extractor_run(const extractor_profile &profile, const run_environment &environment)
+    : profile_(profile)
+    , environment_(environment)
+    , paths_(environment.source_root, environment.source_type)
+    , boundary_(environment.source_root)
+    , connection_(QLatin1String(profile.words.signature), environment.database_path)
+{
+}
+
+void extractor_run::log(const char *words, const QString &value) const
+{
+    if (plugin_static_function::debug_mode_status_bool)
+        plugin_static_function::app_debug(QLatin1String(words) + value,
+                                          QLatin1String(profile_.words.signature));
+}
+
+bool extractor_run::open()
+{
+    log(profile_.words.starts);
+    if (!connection_.open()) {
+        log(profile_.words.database_failed);
+        log(profile_.words.failed_end);
+        return false;
+    }
+    statement_.emplace(connection_.database(), profile_.statement);
+    return true;
+}
+
+void extractor_run::read_lists(const QStringList &folders,
+                               const std::function<step(const loaded_list &)> &read)
+{
+    for (const QString &folder : folders) {
+        if (is_cancelled() || read_folder(folder, read) == step::cancelled)
+            return;
+    }
+    log(profile_.words.ends);
+}
+
+step extractor_run::read_folder(const QString &folder,
+                                const std::function<step(const loaded_list &)> &read)
+{
+    const QString user =
+        plugin_static_function::extract_user_name_from_sourcefile(folder, environment_.source_root)
+            .first;
+    const support::resolved_path real = boundary_.resolve(folder);
+    if (real.where == support::reach::outside)
+        log(profile_.words.outside_source, folder);
+    if (real.where != support::reach::inside)
+        return step::done;
+    support::folder_walk walk(folder, real.path);
+    while (walk.next()) {
+        if (is_cancelled())
+            return step::cancelled;
+        if (walk.name().endsWith(profile_.suffix) &&
+            read_entry(walk, user, read) == step::cancelled)
+            return step::cancelled;
+    }
+    return step::done;
+}
+
+std::optional<QString> extractor_run::openable_path(const support::folder_walk &walk) const
+{
+    if (!walk.name_is_text()) {
+        log(profile_.words.path_failed, walk.path());
+        return std::nullopt;
+    }
+    if (walk.kind() != support::folder_walk::entry_kind::link)
+        return walk.real_path();
+    const support::resolved_path real = boundary_.resolve(walk.real_path());
+    if (real.where == support::reach::inside)
+        return real.path;
+    if (real.where == support::reach::outside)
+        log(profile_.words.outside_source, walk.path());
+    return std::nullopt; // a dangling link is no entry
+}
+
+step extractor_run::read_entry(const support::folder_walk &walk, const QString &user,
+                               const std::function<step(const loaded_list &)> &read)
+{
+    const std::optional<QString> place = openable_path(walk);
+    if (!place)
+        return step::done;
+    const QString path = walk.path();
+    if (!list_.load(*place)) {
+        log(profile_.words.list_failed, path);
+        return step::done;
+    }
+    return read({path, user, list_.root()});
+}
+
+void extractor_run::log_failed_insert() const
+{
+    const extractor_words &words = profile_.words;
+    log(words.insert_failed,
+        words.insert_failed_names_database ? environment_.database_path : QString());
+    log(words.insert_error, statement_->error_text());
+    log(words.insert_query, statement_->executed_query());
+}
+
+} // namespace macos

@@ -1,0 +1,64 @@
+#include "result_connection.h"
+
+#include <QSqlError>
+#include <QVariant>
+
+namespace macos {
+
+result_connection::result_connection(const QString &name, const QString &db_path)
+    : name_(name)
+{
+    QSqlDatabase::removeDatabase(name_);
+    database_ = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name_);
+    database_.setDatabaseName(db_path);
+}
+
+result_connection::~result_connection()
+{
+    if (database_.isOpen()) {
+        database_.commit();
+        database_.close();
+    }
+    database_ = QSqlDatabase(); // the name is in use as long as this handle lives
+    QSqlDatabase::removeDatabase(name_);
+}
+
+bool result_connection::open()
+{
+    return database_.open() && (database_.transaction(), true);
+}
+
+QString result_connection::error_text() const
+{
+    return database_.lastError().text();
+}
+
+insert_statement::insert_statement(const QSqlDatabase &database, const char *statement)
+    : query_(database)
+    , statement_(QLatin1String(statement))
+    , prepared_(query_.prepare(statement_))
+{
+}
+
+bool insert_statement::insert(const QString *const *values, int count)
+{
+    // Executing an unprepared statement would replace the error that says why it is not.
+    if (!prepared_)
+        return false;
+    for (int i = 0; i < count; ++i)
+        query_.bindValue(i, *values[i]);
+    return query_.exec();
+}
+
+QString insert_statement::error_text() const
+{
+    return query_.lastError().text();
+}
+
+QString insert_statement::executed_query() const
+{
+    const QString executed = query_.executedQuery();
+    return executed.isEmpty() ? statement_ : executed;
+}
+
+} // namespace macos

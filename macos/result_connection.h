@@ -1,0 +1,69 @@
+// Writing rows into the result database.
+#pragma once
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QString>
+
+#include <array>
+#include <cstddef>
+
+namespace macos {
+
+// A column of a table and the field of the row that is bound to it.
+template <typename Row> struct column_field
+{
+    const char *column;
+    QString Row::*field;
+};
+
+// A named connection with one open transaction. The destructor commits, closes and removes it, so
+// rows written so far are kept after a cancellation too.
+class result_connection
+{
+public:
+    // A connection of that name that is left from elsewhere is removed first.
+    result_connection(const QString &name, const QString &db_path);
+    ~result_connection();
+    result_connection(const result_connection &) = delete;
+    result_connection &operator=(const result_connection &) = delete;
+
+    // Opens the database and begins the transaction. False when it cannot be opened; then
+    // error_text() tells why.
+    bool open();
+    [[nodiscard]] QString error_text() const;
+    [[nodiscard]] QSqlDatabase &database() { return database_; }
+
+private:
+    QString name_;
+    QSqlDatabase database_;
+};
+
+// One insert statement, prepared once for many rows. Must die before its connection.
+class insert_statement
+{
+public:
+    insert_statement(const QSqlDatabase &database, const char *statement);
+
+    // Binds the row's texts in the columns' order and inserts it; a null text becomes NULL. On
+    // failure nothing is written and error_text() tells why.
+    template <typename Row, size_t Count>
+    bool insert_row(const column_field<Row> (&columns)[Count], const Row &row)
+    {
+        std::array<const QString *, Count> values;
+        for (size_t i = 0; i < Count; ++i)
+            values[i] = &(row.*columns[i].field);
+        return insert(values.data(), static_cast<int>(Count));
+    }
+    [[nodiscard]] QString error_text() const;
+    [[nodiscard]] QString executed_query() const;
+
+private:
+    bool insert(const QString *const *values, int count);
+
+    QSqlQuery query_;
+    QString statement_;
+    bool prepared_;
+};
+
+} // namespace macos

@@ -1,0 +1,102 @@
+#include "cyberduck_winos.h"
+
+cyberduck_winos::cyberduck_winos(QWidget *parent)
+    : QWidget(parent)
+    , extraction_timer(std::make_unique<QElapsedTimer>())
+{
+}
+
+cyberduck_winos::~cyberduck_winos() = default;
+
+void cyberduck_winos::winos_set_plugin_helper_obj(plugin_helper_functions *helper)
+{
+    plugin_helper_obj = helper;
+}
+
+void cyberduck_winos::winos_set_record_count(qint64 count)
+{
+    record_count = count;
+}
+
+void cyberduck_winos::winos_set_tab_processed_count(int count)
+{
+    tab_processed_count = count;
+}
+
+void cyberduck_winos::winos_set_desktop_info(
+    struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_desktop_info info)
+{
+    Q_UNUSED(info)
+}
+
+void cyberduck_winos::winos_set_general_info(
+    struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_general_info info)
+{
+    Q_UNUSED(info)
+}
+
+void cyberduck_winos::winos_set_source_info(
+    struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_source_info info)
+{
+    fs_extraction_source_path = info.fs_extraction_source_path;
+    source_type_internal = info.source_type_internal;
+    for (const auto &account : qAsConst(info.system_account_QList))
+        system_user_list.append(account.system_user);
+    system_user_list.removeDuplicates();
+    system_user_list.removeAll(QString());
+    os_scheme_display = info.os_scheme_display;
+}
+
+void cyberduck_winos::winos_set_essentials()
+{
+    cancel_extraction_flag = false;
+}
+
+void cyberduck_winos::winos_set_plugin_name(QString name)
+{
+    plugin_name = name.trimmed();
+}
+
+void cyberduck_winos::winos_set_destination_location(QString result_dir, QString temp_dir,
+                                                     QString db_path)
+{
+    result_dir_path = result_dir;
+    temp_dir_path = temp_dir;
+    destination_db_path = db_path;
+}
+
+void cyberduck_winos::winos_set_essential_for_haldo_bench_extraction(QStringList tabs)
+{
+    essential_tab_list = tabs;
+}
+
+void cyberduck_winos::winos_set_engine_type(int type)
+{
+    engine_type = type;
+}
+
+void cyberduck_winos::winos_cancel_extraction()
+{
+    cancel_extraction_flag = true;
+}
+
+void cyberduck_winos::winos_set_source_count(int count)
+{
+    source_count = count;
+}
+
+void cyberduck_winos::winos_find_artifacts_source()
+{
+    find_source_file();
+}
+
+void cyberduck_winos::winos_extract_artifacts()
+{
+    extraction_timer->start();
+    extract_plugin_artifacts();
+    Q_EMIT signal_extracted_records_of_plugin_winos(record_count);
+}
+
+void cyberduck_winos::find_source_file() {}
+
+void cyberduck_winos::extract_plugin_artifacts() {}

@@ -1,0 +1,125 @@
+#include "folder_walk.h"
+
+#include <QFile>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace support {
+
+namespace {
+
+constexpr int folder_flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+
+int open_folder(const QByteArray &path)
+{
+#ifdef O_NOATIME
+    const int descriptor = ::open(path.constData(), folder_flags | O_NOATIME);
+    if (descriptor >= 0 || errno != EPERM)
+        return descriptor;
+#endif
+    return ::open(path.constData(), folder_flags);
+}
+
+QByteArray with_trailing_slash(const QString &folder)
+{
+    QByteArray encoded = QFile::encodeName(folder);
+    if (!encoded.endsWith('/'))
+        encoded += '/';
+    return encoded;
+}
+
+} // namespace
+
+folder_walk::folder_walk(const QString &recorded, const QString &real)
+    : recorded_(with_trailing_slash(recorded))
+    , real_(with_trailing_slash(real))
+    , pending_folders_{QByteArray()}
+{
+}
+
+bool folder_walk::open_next_folder()
+{
+    while (!pending_folders_.empty()) {
+        folder_ = pending_folders_.back();
+        pending_folders_.pop_back();
+        QByteArray path = real_ + folder_;
+        path.chop(path.size() > 1 ? 1 : 0); // O_NOFOLLOW looks through a trailing "/"
+        const int descriptor = open_folder(path);
+        if (descriptor < 0)
+            continue;
+        directory_.reset(::fdopendir(descriptor));
+        if (directory_)
+            return true;
+        ::close(descriptor);
+    }
+    return false;
+}
+
+bool folder_walk::next()
+{
+    for (;;) {
+        if (!directory_ && !open_next_folder())
+            return false;
+        const dirent *found = ::readdir(directory_.get());
+        if (found == nullptr)
+            directory_.reset();
+        else if (take(*found))
+            return true;
+    }
+}
+
+bool folder_walk::take(const dirent &found)
+{
+    if (found.d_name[0] == '.')
+        return false;
+    if (!kind_of(found, &kind_))
+        return false;
+    name_ = QByteArray(found.d_name);
+    if (kind_ == entry_kind::folder)
+        pending_folders_.push_back(folder_ + name_ + '/');
+    return true;
+}
+
+bool folder_walk::kind_of(const dirent &found, entry_kind *kind) const
+{
+    mode_t mode = 0;
+    if (found.d_type != DT_UNKNOWN) {
+        mode = DTTOIF(found.d_type);
+    } else {
+        struct stat status = {};
+        if (::fstatat(::dirfd(directory_.get()), found.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+            return false;
+        mode = status.st_mode;
+    }
+    if (S_ISREG(mode))
+        *kind = entry_kind::file;
+    else if (S_ISDIR(mode))
+        *kind = entry_kind::folder;
+    else if (S_ISLNK(mode))
+        *kind = entry_kind::link;
+    else
+        return false;
+    return true;
+}
+
+QString folder_walk::path() const
+{
+    return QFile::decodeName(recorded_ + folder_ + name_);
+}
+
+QString folder_walk::real_path() const
+{
+    return QFile::decodeName(real_ + folder_ + name_);
+}
+
+bool folder_walk::name_is_text() const
+{
+    return QFile::encodeName(QFile::decodeName(name_)) == name_;
+}
+
+} // namespace support

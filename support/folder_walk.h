@@ -1,0 +1,58 @@
+// Walks a folder and everything below it, one entry at a time.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <dirent.h>
+
+#include <memory>
+#include <vector>
+
+namespace support {
+
+// Gives files, folders and links; hidden entries (names with a leading "."), what lies below hidden
+// folders, and special files are passed over. Links are given but never followed. A folder's own
+// entries come before those of its subfolders, otherwise in the file system's order. One
+// directory is open at a time; opening does not change its access time where the system allows.
+class folder_walk
+{
+public:
+    enum class entry_kind { file, folder, link };
+
+    // `recorded`: the folder as it is to be shown; `real`: where it is reachable, free of links.
+    folder_walk(const QString &recorded, const QString &real);
+
+    // Goes to the next entry; false at the end.
+    bool next();
+
+    // Of the current entry. `name` is valid until the next step.
+    [[nodiscard]] const QByteArray &name() const { return name_; }
+    [[nodiscard]] entry_kind kind() const { return kind_; }
+    // Full path, starting with the recorded folder.
+    [[nodiscard]] QString path() const;
+    // Full path, starting with the real folder.
+    [[nodiscard]] QString real_path() const;
+    // False when the name's bytes are no text in the system's encoding: its path opens nothing.
+    [[nodiscard]] bool name_is_text() const;
+
+private:
+    struct directory_closer
+    {
+        void operator()(DIR *directory) const { ::closedir(directory); }
+    };
+
+    bool open_next_folder();
+    bool take(const dirent &found);
+    [[nodiscard]] bool kind_of(const dirent &found, entry_kind *kind) const;
+
+    QByteArray recorded_;                     // ends in "/"
+    QByteArray real_;                         // ends in "/"
+    std::vector<QByteArray> pending_folders_; // below the walk's folder, each ends in "/"
+    std::unique_ptr<DIR, directory_closer> directory_;
+    QByteArray folder_; // the open one, below the walk's folder; empty or ends in "/"
+    QByteArray name_;
+    entry_kind kind_ = entry_kind::file;
+};
+
+} // namespace support
