@@ -3,8 +3,11 @@
 // source_discovery, extraction_driver, one file per extractor, extended_attributes.
 #pragma once
 
+#include "extended_attributes.h"
 #include "extractor_run.h"
+#include "platform/spotlight_item.h"
 #include "plugin/host_records.h"
+#include "support/source_boundary.h"
 
 #include <QElapsedTimer>
 #include <QList>
@@ -18,6 +21,10 @@
 #include <memory>
 
 class plugin_helper_functions;
+
+namespace macos {
+struct transfer_row;
+}
 
 class cyberduck_macos : public QWidget
 {
@@ -54,10 +61,20 @@ public:
     // them to the record count. Failures are lines of the debug log.
     void xcode_extract_bookmarks();
     void xcode_extract_history();
+    void xcode_extract_transfers();
     void xcode_extract_preferences(QString plist_path, QString user_name);
     // One preference row through a connection that the caller holds open.
     void insert_values_fun(QString label, QString value, QSqlDatabase &database, QString plist_path,
                            QString user_name);
+
+    // Of one file, reachable here; an empty record when it is not there or nothing is known.
+    struct_GLOBAL_ARTIFACT_cfstring_attributes extract_cfstring_attributes(QString file_path);
+    // Latitude and longitude in degrees with 6 significant digits; null where unknown.
+    QPair<QString, QString> extract_longi_lati_attributes(QString file_path);
+    // Of each path the attributes named at the same index: first the values parted by ";++::++;",
+    // then an XML document of names and values.
+    QPair<QString, QString> get_extended_attributes(QStringList file_paths,
+                                                    QList<QStringList> attribute_lists);
 
 Q_SIGNALS:
     void signal_extracted_records_of_plugin_macos(qint64 records);
@@ -73,6 +90,15 @@ private:
     // Adds one to the record count and emits it about once a second.
     void count_row();
     [[nodiscard]] macos::run_environment environment();
+
+    // Transfers: one list, one item of it, what is known of the item's local copy.
+    macos::step read_transfer(const macos::loaded_list &list, macos::extractor_run *run);
+    void insert_item(const platform::property_list_value &item, const QString &user,
+                     const macos::transfer_row &shared, macos::extractor_run *run);
+    void describe_local_copy(const QString &local_path, macos::transfer_row *row);
+    [[nodiscard]] support::resolved_path place_in_source(const QString &path);
+    [[nodiscard]] std::unique_ptr<platform::spotlight_item> metadata_of(const QString &file_path);
+    void log_metadata_notes();
 
     qint64 record_count = 0;
     int tab_processed_count = 0;
@@ -96,4 +122,7 @@ private:
     QStringList history_dir_list;
     QStringList transfers_dir_list;
     QStringList preferences_file_list;
+
+    QString last_asked_path_;
+    support::resolved_path last_place_;
 };

@@ -17,6 +17,7 @@ void cyberduck_macos::extract_plugin_artifacts()
     if (static_cast<unsigned>(engine_type) <= last_valid_engine) {
         extract_tab("bookmarks", &cyberduck_macos::xcode_extract_bookmarks);
         extract_tab("history", &cyberduck_macos::xcode_extract_history);
+        extract_tab("transfers", &cyberduck_macos::xcode_extract_transfers);
         if (!extract_all_preferences())
             return;
     }

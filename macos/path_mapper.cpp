@@ -17,7 +17,12 @@ QString path_mapper::reachable(const QString &recorded, const QString &user) con
 
 QString path_mapper::display(const QString &path) const
 {
-    QString shown = path.trimmed();
+    return untrimmed_display(path.trimmed());
+}
+
+QString path_mapper::untrimmed_display(const QString &path) const
+{
+    QString shown = path;
     if (shown.startsWith(source_root_))
         shown.remove(0, source_root_.size());
     if (!shown.startsWith(QLatin1Char('/')) && !shown.trimmed().isEmpty())

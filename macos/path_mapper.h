@@ -19,6 +19,8 @@ public:
     // The source's own view of a path that is reachable here: root cut off, leading "/". Null stays
     // null.
     [[nodiscard]] QString display(const QString &path) const;
+    // The same without trimming: for paths whose blanks are part of the file's name.
+    [[nodiscard]] QString untrimmed_display(const QString &path) const;
     // A display path as a row shows it: relative to the user when the source is a home folder.
     [[nodiscard]] QString shown(const QString &path, const QString &user) const;
     // A recorded folder as a row shows it; null for a null text.

@@ -1,0 +1,252 @@
+// Spotlight metadata and GPS position of a transferred file's local copy.
+#include "extended_attributes.h"
+
+#include "cyberduck_macos.h"
+#include "platform/image_properties.h"
+#include "platform/spotlight_item.h"
+#include "support/plugin_static_function.h"
+
+#include <QXmlStreamWriter>
+
+namespace {
+
+using attributes_record = struct_GLOBAL_ARTIFACT_cfstring_attributes;
+using text_filter = QString (*)(QString description);
+
+constexpr char notes_signature[] = "void cyberduck_macos::log_metadata_notes()";
+constexpr int significant_digits = 6;
+constexpr char search_separator[] = ";++::++;";
+
+QString percent_decoded(const QString &text)
+{
+    return QString::fromUtf8(QByteArray::fromPercentEncoding(text.toUtf8()));
+}
+
+// The part behind "=" of a description, without its quotes and brace.
+QString behind_equals(const QString &description, const QString &without_equals)
+{
+    const QStringList pieces = description.split(QLatin1Char('='));
+    QString value = pieces.size() < 2 ? without_equals : pieces.at(1);
+    value.remove(QLatin1Char('}'));
+    value.remove(QLatin1Char('"'));
+    return value.trimmed();
+}
+
+QString value_behind_equals(QString description)
+{
+    return behind_equals(description, QString());
+}
+
+QString kind_of(QString description)
+{
+    return behind_equals(description, description);
+}
+
+// Removes what a printed list puts around its texts. replace() passes over the text once, where
+// remove() would move its end anew for each find.
+void remove_list_marks(QString *text)
+{
+    text->remove(QLatin1Char('\n'));
+    text->replace(QStringLiteral("  "), QString());
+    text->replace(QStringLiteral("(\""), QString());
+    text->replace(QStringLiteral("\")"), QString());
+}
+
+QString where_from_list(QString description)
+{
+    if (description.isEmpty())
+        return description;
+    QString text = percent_decoded(description);
+    remove_list_marks(&text);
+    text.replace(QStringLiteral("\","), QStringLiteral(";"));
+    text.replace(QLatin1Char(','), QLatin1Char(';'));
+    text.remove(QLatin1Char('"'));
+    text.replace(QStringLiteral("\\U2019s"), QStringLiteral("'s"));
+    text = percent_decoded(text);
+    text.remove(QLatin1Char('"'));
+    return text;
+}
+
+// Other than where_from_list: one decoding at the end, lone commas and quotes stay. File names of a
+// torrent hold both.
+QString torrent_list(QString description)
+{
+    remove_list_marks(&description);
+    description.replace(QStringLiteral("\",\""), QStringLiteral(";"));
+    return description.isEmpty() ? description : percent_decoded(description);
+}
+
+struct attribute_field
+{
+    const char *name;
+    QString attributes_record::*field;
+    text_filter filter;
+};
+
+constexpr attribute_field attribute_fields[] = {
+    {"kMDItemDateAdded", &attributes_record::date_added,
+     plugin_static_function::get_filtered_date_value},
+    {"kMDItemContentCreationDate", &attributes_record::content_creation_date,
+     plugin_static_function::get_filtered_date_value},
+    {"kMDItemContentModificationDate", &attributes_record::content_modification_date,
+     plugin_static_function::get_filtered_date_value},
+    {"kMDItemContentType", &attributes_record::content_type, value_behind_equals},
+    {"kMDItemKind", &attributes_record::kind, kind_of},
+    {"kMDItemFSContentChangeDate", &attributes_record::fs_content_change_date,
+     plugin_static_function::get_filtered_date_value},
+    {"kMDItemFSCreationDate", &attributes_record::fs_creation_date,
+     plugin_static_function::get_filtered_date_value},
+    {"kMDItemFSName", &attributes_record::fs_name, value_behind_equals},
+    {"kMDItemFSNodeCount", &attributes_record::fs_node_count,
+     plugin_static_function::get_filtered_number_value},
+    {"kMDItemWhereFroms", &attributes_record::where_from, where_from_list},
+    {"kMDItemAltitude", &attributes_record::altitude,
+     plugin_static_function::get_filtered_number_value},
+    {"org_bittorrent_torrent_filenames", &attributes_record::torrent_file_list, torrent_list},
+};
+
+QString degrees_text(const std::optional<double> &degrees, const QString &reference,
+                     QLatin1Char negative)
+{
+    if (!degrees)
+        return {};
+    const QString text = QString::number(*degrees, 'g', significant_digits).trimmed();
+    return reference.contains(negative, Qt::CaseInsensitive) ? QLatin1Char('-') + text : text;
+}
+
+// The value filters know a description by how it starts.
+QString filtered_value(const QString &name, const QString &description)
+{
+    if (description.startsWith(QLatin1String("<CFNumber ")))
+        return plugin_static_function::get_filtered_number_value(description);
+    if (description.startsWith(QLatin1String("<CFBoolean ")))
+        return plugin_static_function::get_filtered_boolean_value(description);
+    if (description.startsWith(QLatin1String("<CFString ")))
+        return plugin_static_function::get_filtered_cfstring_value(description);
+    const QString text = description.trimmed();
+    return name == QLatin1String("kMDItemWhereFroms")
+               ? plugin_static_function::get_filtered_wherefrom_value(text)
+               : plugin_static_function::get_filtered_string_value(text);
+}
+
+bool is_xml_character(QChar character)
+{
+    const ushort code = character.unicode();
+    return code >= 0x20 ? code != 0xFFFE && code != 0xFFFF
+                        : code == '\t' || code == '\n' || code == '\r';
+}
+
+// XML has no way to write control characters: the document would be unreadable with one. Lone
+// surrogates become replacement characters when the writer encodes them.
+QString writable_in_xml(QString text)
+{
+    for (QChar &character : text) {
+        if (!is_xml_character(character))
+            character = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
+// Appends each selected attribute that the file has to the search text and the document.
+void write_attributes(const platform::spotlight_item &item, const QStringList &names,
+                      QXmlStreamWriter *xml, QString *search_text)
+{
+    for (const QString &name : names) {
+        const auto description = item.attribute(name);
+        if (!description)
+            continue;
+        const QString value = filtered_value(name, description->text);
+        *search_text += value + QLatin1String(search_separator);
+        xml->writeTextElement(name, writable_in_xml(value));
+    }
+}
+
+} // namespace
+
+support::resolved_path cyberduck_macos::place_in_source(const QString &path)
+{
+    // The steps for one transferred file ask for the same path several times in a row.
+    if (path != last_asked_path_ || path.isNull()) {
+        last_asked_path_ = path;
+        last_place_ = path.isEmpty()
+                          ? support::resolved_path()
+                          : support::source_boundary(fs_extraction_source_path).resolve(path);
+    }
+    return last_place_;
+}
+
+std::unique_ptr<platform::spotlight_item> cyberduck_macos::metadata_of(const QString &file_path)
+{
+    const support::resolved_path place = place_in_source(file_path);
+    platform::spotlight_catalog *catalog = plugin_static_function::metadata_catalog();
+    if (place.where != support::reach::inside || catalog == nullptr)
+        return nullptr;
+    return catalog->item(place.path);
+}
+
+void cyberduck_macos::log_metadata_notes()
+{
+    platform::spotlight_catalog *catalog = plugin_static_function::metadata_catalog();
+    const QStringList notes = catalog == nullptr ? QStringList() : catalog->take_notes();
+    for (const QString &note : notes)
+        plugin_static_function::app_debug(note, QLatin1String(notes_signature));
+}
+
+attributes_record cyberduck_macos::extract_cfstring_attributes(QString file_path)
+{
+    attributes_record record;
+    const auto item = metadata_of(file_path);
+    if (!item)
+        return record;
+    for (const attribute_field &entry : attribute_fields) {
+        const auto description = item->attribute(QLatin1String(entry.name));
+        if (!description)
+            continue;
+        // A text that the system does not hand out as a C string counts as empty.
+        record.*entry.field =
+            entry.filter(description->has_c_string ? description->text : QStringLiteral(""));
+    }
+    const QPair<QString, QString> position = extract_longi_lati_attributes(file_path);
+    record.latitude = position.first;
+    record.longitude = position.second;
+    return record;
+}
+
+QPair<QString, QString> cyberduck_macos::extract_longi_lati_attributes(QString file_path)
+{
+    const support::resolved_path place = place_in_source(file_path);
+    if (place.where != support::reach::inside)
+        return {};
+    const platform::gps_position position = platform::read_gps_position(place.path);
+    return {degrees_text(position.latitude, position.latitude_reference, QLatin1Char('S')),
+            degrees_text(position.longitude, position.longitude_reference, QLatin1Char('W'))};
+}
+
+QPair<QString, QString> cyberduck_macos::get_extended_attributes(QStringList file_paths,
+                                                                 QList<QStringList> attribute_lists)
+{
+    const macos::path_mapper paths(fs_extraction_source_path, source_type_internal);
+    QString search_text;
+    QByteArray buffer;
+    QXmlStreamWriter xml(&buffer);
+    xml.setAutoFormatting(true);
+    xml.writeStartDocument();
+    xml.writeStartElement(QStringLiteral("Extended_Attributes_XML_Header"));
+    for (int i = 0; i < file_paths.size() && !cancel_extraction_flag; ++i) {
+        if (place_in_source(file_paths.at(i)).where != support::reach::inside)
+            continue;
+        xml.writeStartElement(QStringLiteral("Extended_Attributes_Artifact_Source_Header"));
+        xml.writeTextElement(QStringLiteral("File_Path"),
+                             writable_in_xml(paths.untrimmed_display(file_paths.at(i))));
+        // Without an item the element holds the path alone.
+        const auto item = metadata_of(file_paths.at(i));
+        if (item)
+            write_attributes(*item, attribute_lists.value(i), &xml, &search_text);
+        xml.writeEndElement();
+    }
+    xml.writeEndElement();
+    xml.writeEndDocument();
+    if (search_text.endsWith(QLatin1String(search_separator)))
+        search_text.chop(int(sizeof search_separator) - 1);
+    return {search_text, QString::fromUtf8(buffer)};
+}

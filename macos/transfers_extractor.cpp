@@ -1,0 +1,182 @@
+// One row per item of every queued transfer: what the queue says of it, what the source's file
+// system says of its local copy, and that copy's metadata.
+#include "transfers_extractor.h"
+
+#include "cyberduck_macos.h"
+#include "support/plugin_static_function.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+
+namespace macos {
+
+const extractor_profile transfers_profile = {
+    {
+        "void cyberduck_macos::xcode_extract_transfers()",
+        "[xcode_extract_transfers] starts",
+        "[xcode_extract_transfers] destination_db  open ------FAILED------",
+        "[xcode_extract_transfers] end with failure",
+        "[xcode_extract_transfers] target_file open ------FAILED------",
+        "[xcode_extract_transfers] m_plist open ------FAILED------",
+        "[xcode_extract_transfers] outside the source ------FAILED------",
+        "[xcode_extract_transfers] insert in transfers ---------FAILED--------",
+        false,
+        "[xcode_extract_transfers]",
+        "",
+        "[xcode_extract_transfers] end",
+    },
+    ".cyberducktransfer",
+    "insert into transfers (bookmark,system_user, comment,hostname,port,protocol,uuid, "
+    "username,upload_path,download_path,access_timestamp,local_path,duplicate,"
+    "remote_path,file_type, remote_modification_date,remote_mask,file_name, file_size,"
+    "file_exist,suffix,transfer_size, transfer_timestamp, transfer_type, transfer_uuid,"
+    "preview_file_path,export_file_paths, date_added,content_creation_date,"
+    "content_modification_date,content_type,fs_content_change_date, fs_creation_date,"
+    "fs_name,fs_node_count,last_used_date,used_dates,first_date, last_date,wherefrom,"
+    "latitude,longitude,altitude,torrent_file_list,attr_file_type,source_file,"
+    "artifacts_relation_source_file,extended_attributes_key_value, "
+    "extended_attributes_value_for_search,source_count_name,os_scheme_display)values (?,"
+    "?,?,?,?, ?,?,?,?,?, ?,?,?,?,?, ?,?,?,?,?, ?,?,?,?,?,  ?,?,?,?,?,  ?,?,?,?,?,  ?,?,?,"
+    "?,?,  ?,?,?,?,?, ?,?,?,?,?,? )",
+};
+
+namespace {
+
+using platform::property_list_value;
+using platform::value_kind;
+
+constexpr char host_missing[] =
+    "[xcode_extract_transfers] Empty host_dict Dictionary is nil --Host--";
+constexpr char items_missing[] = "[xcode_extract_transfers] items_array is nil ";
+constexpr qint64 milliseconds_per_second = 1000;
+
+constexpr key_field<transfer_fields> transfer_keys[] = {
+    {"Type", &transfer_fields::transfer_type},
+    {"UUID", &transfer_fields::transfer_uuid},
+    {"Size", &transfer_fields::transfer_size},
+};
+
+constexpr key_field<transfer_fields> host_keys[] = {
+    {"Protocol", &transfer_fields::protocol}, {"UUID", &transfer_fields::uuid},
+    {"Hostname", &transfer_fields::hostname}, {"Port", &transfer_fields::port},
+    {"Username", &transfer_fields::username}, {"Comment", &transfer_fields::comment},
+};
+
+void read_host(const property_list_value &host, const QString &user, const path_mapper &paths,
+               transfer_fields *row)
+{
+    row->upload_path = paths.shown_folder(recorded_path(host, "Upload Folder Dictionary"), user);
+    row->download_path =
+        paths.shown_folder(recorded_path(host, "Download Folder Dictionary"), user);
+    read_texts(host, host_keys, row);
+    row->access_timestamp = seconds_text(host, "Access Timestamp");
+}
+
+// The remote "Size" is not among them: file_size tells of the local copy.
+void read_remote(const property_list_value &item, item_fields *row)
+{
+    const property_list_value remote = dictionary_of(item, "Remote");
+    const property_list_value attributes = dictionary_of(remote, "Attributes");
+    row->file_type = trimmed_text(remote, "Type");
+    row->remote_path = trimmed_text(remote, "Remote");
+    row->remote_modification_date = seconds_text(attributes, "Modified");
+    row->duplicate = trimmed_text(attributes, "Duplicate");
+    row->remote_mask = trimmed_text(dictionary_of(attributes, "Permission"), "Mask");
+}
+
+// Null when the file system does not tell.
+QString birth_time(const QString &path)
+{
+    const QDateTime born = QFileInfo(path).birthTime();
+    if (!born.isValid())
+        return {};
+    return QString::number(born.toMSecsSinceEpoch() / milliseconds_per_second);
+}
+
+} // namespace
+
+} // namespace macos
+
+void cyberduck_macos::describe_local_copy(const QString &local_path, macos::transfer_row *row)
+{
+    const support::resolved_path place = place_in_source(local_path);
+    const bool exists = place.where == support::reach::inside;
+    row->file_name = local_path.mid(local_path.lastIndexOf(QLatin1Char('/')) + 1);
+    row->file_exist = exists ? QStringLiteral("YES") : QStringLiteral("NO");
+    row->suffix = plugin_static_function::mining_suffix(local_path);
+    if (exists) {
+        const struct_used_date used = plugin_static_function::extract_used_date(place.path);
+        row->last_used_date = used.last_used_date;
+        row->used_dates = used.used_dates.join(QLatin1Char(';'));
+        row->first_date = used.first_date;
+        row->last_date = used.last_date;
+        static_cast<struct_GLOBAL_ARTIFACT_cfstring_attributes &>(*row) =
+            extract_cfstring_attributes(local_path);
+        row->file_size = plugin_static_function::mining_size(place.path);
+    }
+    row->date_of_adding = row->date_added;
+    if (row->date_of_adding.isEmpty() && exists)
+        row->date_of_adding = macos::birth_time(place.path);
+    const QPair<QString, QString> selected =
+        get_extended_attributes({local_path}, {extended_attributes_list});
+    row->extended_attributes_value_for_search = selected.first;
+    row->extended_attributes_key_value = selected.second;
+}
+
+macos::step cyberduck_macos::read_transfer(const macos::loaded_list &list,
+                                           macos::extractor_run *run)
+{
+    using namespace macos;
+    transfer_row shared;
+    run->set_origin(list, &shared);
+    read_texts<transfer_fields>(list.root, transfer_keys, &shared);
+    shared.transfer_timestamp = seconds_text(list.root, "Timestamp");
+    const property_list_value host = dictionary_of(list.root, "Host");
+    if (host.is(value_kind::absent)) {
+        run->log(host_missing);
+        return step::done;
+    }
+    read_host(host, list.user, run->paths(), &shared);
+    const property_list_value items = list.root.value(QStringLiteral("Items"));
+    if (!items.is(value_kind::array)) {
+        run->log(items_missing);
+        return step::done;
+    }
+    const int count = items.count();
+    for (int i = 0; i < count; ++i) {
+        if (run->is_cancelled())
+            return step::cancelled;
+        const property_list_value item = items.at(i);
+        if (item.is(value_kind::dictionary))
+            insert_item(item, list.user, shared, run);
+    }
+    return step::done;
+}
+
+void cyberduck_macos::insert_item(const platform::property_list_value &item, const QString &user,
+                                  const macos::transfer_row &shared, macos::extractor_run *run)
+{
+    macos::transfer_row row = shared;
+    macos::read_remote(item, &row);
+    const QString recorded = macos::recorded_path(item, "Local Dictionary");
+    const QString local_path =
+        recorded.isNull() ? QString() : run->paths().reachable(recorded, user);
+    if (place_in_source(local_path).where == support::reach::outside)
+        run->log(macos::transfers_profile.words.outside_source, local_path);
+    row.local_path = run->paths().shown(local_path, user);
+    describe_local_copy(local_path, &row);
+    run->insert(macos::transfer_columns, row);
+}
+
+void cyberduck_macos::xcode_extract_transfers()
+{
+    last_asked_path_.clear();
+    macos::extractor_run run(macos::transfers_profile, environment());
+    if (!run.open())
+        return;
+    run.read_lists(transfers_dir_list, [this, &run](const macos::loaded_list &list) {
+        return read_transfer(list, &run);
+    });
+    log_metadata_notes();
+    plugin_static_function::release_metadata_catalog();
+}

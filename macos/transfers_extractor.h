@@ -1,0 +1,115 @@
+// What the transfers extractor adds to the shared frame: words, statement, columns, fields.
+#pragma once
+
+#include "extended_attributes.h"
+#include "extractor_run.h"
+
+namespace macos {
+
+// What a transfer's list says for all of its items. All texts; null where it says nothing.
+struct transfer_fields
+{
+    QString comment;
+    QString hostname;
+    QString port;
+    QString protocol;
+    QString uuid;
+    QString username;
+    QString upload_path;      // as a row shows it
+    QString download_path;    // as a row shows it
+    QString access_timestamp; // seconds since 1970 UTC, as the two below
+    QString transfer_size;    // bytes
+    QString transfer_timestamp;
+    QString transfer_type;
+    QString transfer_uuid;
+};
+
+// What is told of one item and of its local copy.
+struct item_fields
+{
+    QString local_path; // as a row shows it
+    QString duplicate;
+    QString remote_path;
+    QString file_type;
+    QString remote_modification_date; // seconds since 1970 UTC, as the dates below
+    QString remote_mask;
+    QString file_name;  // last component of the local path
+    QString file_size;  // bytes of the local copy, a folder's content included
+    QString file_exist; // "YES" or "NO"
+    QString suffix;
+    QString date_of_adding; // Spotlight's, else the birth of the local copy
+    QString last_used_date;
+    QString used_dates; // parted by ";"
+    QString first_date;
+    QString last_date;
+    QString extended_attributes_key_value;
+    QString extended_attributes_value_for_search;
+};
+
+struct transfer_row : row_origin,
+                      transfer_fields,
+                      item_fields,
+                      struct_GLOBAL_ARTIFACT_cfstring_attributes
+{
+};
+
+extern const extractor_profile transfers_profile;
+
+// In the order of the statement's placeholders.
+constexpr column_field<transfer_row> transfer_columns[] = {
+    {"bookmark", &transfer_row::bookmark},
+    {"system_user", &transfer_row::system_user},
+    {"comment", &transfer_row::comment},
+    {"hostname", &transfer_row::hostname},
+    {"port", &transfer_row::port},
+    {"protocol", &transfer_row::protocol},
+    {"uuid", &transfer_row::uuid},
+    {"username", &transfer_row::username},
+    {"upload_path", &transfer_row::upload_path},
+    {"download_path", &transfer_row::download_path},
+    {"access_timestamp", &transfer_row::access_timestamp},
+    {"local_path", &transfer_row::local_path},
+    {"duplicate", &transfer_row::duplicate},
+    {"remote_path", &transfer_row::remote_path},
+    {"file_type", &transfer_row::file_type},
+    {"remote_modification_date", &transfer_row::remote_modification_date},
+    {"remote_mask", &transfer_row::remote_mask},
+    {"file_name", &transfer_row::file_name},
+    {"file_size", &transfer_row::file_size},
+    {"file_exist", &transfer_row::file_exist},
+    {"suffix", &transfer_row::suffix},
+    {"transfer_size", &transfer_row::transfer_size},
+    {"transfer_timestamp", &transfer_row::transfer_timestamp},
+    {"transfer_type", &transfer_row::transfer_type},
+    {"transfer_uuid", &transfer_row::transfer_uuid},
+    {"preview_file_path", &transfer_row::local_path},
+    {"export_file_paths", &transfer_row::local_path},
+    {"date_added", &transfer_row::date_of_adding},
+    {"content_creation_date", &transfer_row::content_creation_date},
+    {"content_modification_date", &transfer_row::content_modification_date},
+    {"content_type", &transfer_row::content_type},
+    {"fs_content_change_date", &transfer_row::fs_content_change_date},
+    {"fs_creation_date", &transfer_row::fs_creation_date},
+    {"fs_name", &transfer_row::fs_name},
+    {"fs_node_count", &transfer_row::fs_node_count},
+    {"last_used_date", &transfer_row::last_used_date},
+    {"used_dates", &transfer_row::used_dates},
+    {"first_date", &transfer_row::first_date},
+    {"last_date", &transfer_row::last_date},
+    {"wherefrom", &transfer_row::where_from},
+    {"latitude", &transfer_row::latitude},
+    {"longitude", &transfer_row::longitude},
+    {"altitude", &transfer_row::altitude},
+    {"torrent_file_list", &transfer_row::torrent_file_list},
+    {"attr_file_type", &transfer_row::attr_file_type},
+    {"source_file", &transfer_row::source_file},
+    {"artifacts_relation_source_file", &transfer_row::artifacts_relation_source_file},
+    {"extended_attributes_key_value", &transfer_row::extended_attributes_key_value},
+    {"extended_attributes_value_for_search", &transfer_row::extended_attributes_value_for_search},
+    {"source_count_name", &transfer_row::source_count_name},
+    {"os_scheme_display", &transfer_row::os_scheme_display},
+};
+
+static_assert(std::size(transfer_columns) == 51);
+
+} // namespace macos
