@@ -1,0 +1,106 @@
+// From the texts in which Core Foundation prints a value to the value itself. All are linear in the
+// text, whose length the examined source decides.
+#include "plugin_static_function.h"
+
+#include "date_parsing.h"
+#include "text_replace.h"
+
+namespace {
+
+// The second of the pieces into which `separator` parts the text; null when there is only one.
+QString second_piece(const QString &text, QLatin1String separator)
+{
+    const int first_end = text.indexOf(separator);
+    if (first_end < 0)
+        return {};
+    const int start = first_end + separator.size();
+    const int end = text.indexOf(separator, start);
+    return text.mid(start, end < 0 ? -1 : end - start);
+}
+
+// <CFBoolean 0x7fff [0x7fff]>{value = true} gives "true".
+QString value_in_braces(const QString &text)
+{
+    QString value =
+        second_piece(second_piece(text.trimmed(), QLatin1String("]>{")), QLatin1String("="));
+    value.chop(1); // the closing brace
+    return value.trimmed();
+}
+
+// Lone surrogates become "?", a leading byte-order mark goes: what storing the text would do.
+// The machines of the host encode 8-bit texts as UTF-8; naming it keeps a machine that is set to
+// another encoding from losing characters.
+QString through_8_bit(const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    return QString::fromUtf8(bytes.constData(), bytes.size());
+}
+
+} // namespace
+
+// <CFNumber 0x7fff [0x7fff]>{value = +5, type = kCFNumberSInt64Type} gives "5". A negative number
+// has no "+" and gives an empty text: rows made so far are to be comparable.
+QString plugin_static_function::get_filtered_number_value(QString text)
+{
+    text = text.trimmed();
+    const int comma = text.indexOf(QLatin1Char(','));
+    if (comma < 0)
+        return {};
+    return second_piece(text.left(comma), QLatin1String("+")).trimmed();
+}
+
+QString plugin_static_function::get_filtered_boolean_value(QString text)
+{
+    return value_in_braces(text);
+}
+
+QString plugin_static_function::get_filtered_cfstring_value(QString text)
+{
+    return value_in_braces(text).remove(QLatin1Char('"')).trimmed();
+}
+
+QString plugin_static_function::get_filtered_wherefrom_value(QString text)
+{
+    text = text.trimmed();
+    if (text.isEmpty())
+        return {};
+    text.remove(QLatin1Char('\n'));
+    text = support::remove_every(text, QLatin1String("  "));
+    text = support::remove_every(text, QLatin1String("(\""));
+    text = support::remove_every(text, QLatin1String("\")"));
+    text = support::replace_every(text, QLatin1String("\","), QLatin1String(";"));
+    text.replace(QLatin1Char(','), QLatin1Char('\n'));
+    text.replace(QLatin1Char('<'), QLatin1Char('('));
+    text.replace(QLatin1Char('>'), QLatin1Char(')'));
+    text.remove(QLatin1Char('"'));
+    text = support::replace_every(text, QLatin1String("\\U2019s"), QLatin1String("'s"));
+    return through_8_bit(text).trimmed();
+}
+
+QString plugin_static_function::get_filtered_string_value(QString text)
+{
+    text = text.trimmed();
+    if (text.isEmpty())
+        return {};
+    QString values;
+    values.reserve(text.size() + 1);
+    for (QString piece : text.split(QLatin1Char(','))) {
+        if (bool_cancel_extraction)
+            return {};
+        piece.remove(QLatin1Char('(')).remove(QLatin1Char(')')).remove(QLatin1Char('"'));
+        values += piece.trimmed();
+        values += QLatin1Char(';');
+    }
+    values.chop(1);
+    return values;
+}
+
+QString plugin_static_function::get_filtered_date_value(QString text)
+{
+    text = text.trimmed();
+    if (text.isEmpty())
+        return {};
+    QDateTime time = get_datetime_from_string_with_iso_date(text);
+    time.setTimeSpec(Qt::UTC);
+    return QString::number(support::epoch_seconds(time));
+}
