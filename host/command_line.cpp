@@ -1,0 +1,90 @@
+#include "command_line.h"
+
+#include <cstdio>
+
+namespace host {
+
+namespace {
+
+void write_line(const QString &message)
+{
+    const QByteArray line = "plugin_host: " + printable(message).toUtf8() + '\n';
+    std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stderr);
+    std::fflush(stderr);
+}
+
+// Qt's own usage line does not know the sub-command.
+QString help_for(const QCommandLineParser &parser, const help_text &help)
+{
+    const QString options = parser.helpText();
+    return QStringLiteral("Usage: plugin_host %1\n%2\nExample:\n%3\n")
+        .arg(QString::fromUtf8(help.usage), options.mid(options.indexOf(QLatin1Char('\n')) + 1),
+             QString::fromUtf8(help.example));
+}
+
+} // namespace
+
+std::optional<exit_status> parse(QCommandLineParser &parser, const QStringList &arguments,
+                                 const help_text &help)
+{
+    const QCommandLineOption help_option({QStringLiteral("h"), QStringLiteral("help")},
+                                         QStringLiteral("Show this help."));
+    parser.addOption(help_option);
+    if (!parser.parse(arguments)) {
+        return report({exit_status::wrong_usage, QStringLiteral("%1 Try 'plugin_host %2 --help'.")
+                                                     .arg(parser.errorText(), arguments.value(0))});
+    }
+    if (!parser.isSet(help_option))
+        return std::nullopt;
+    print(help_for(parser, help));
+    return exit_status::done;
+}
+
+exit_status report(const failure &what)
+{
+    write_line(what.message);
+    return what.status;
+}
+
+void warn(const QString &message)
+{
+    write_line(QStringLiteral("warning: ") + message);
+}
+
+void print(const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
+    std::fflush(stdout);
+}
+
+QStringList comma_list(const QString &text)
+{
+    QStringList parts;
+    const QStringList raw_parts = text.split(QLatin1Char(','));
+    for (const QString &part : raw_parts) {
+        const QString trimmed = part.trimmed();
+        if (!trimmed.isEmpty())
+            parts.append(trimmed);
+    }
+    return parts;
+}
+
+QString printable(const QString &text)
+{
+    QString result;
+    result.reserve(text.size());
+    for (const QChar character : text) {
+        if (character == QLatin1Char('\n'))
+            result += QStringLiteral("\\n");
+        else if (character == QLatin1Char('\t'))
+            result += QStringLiteral("\\t");
+        else if (character.category() == QChar::Other_Control)
+            result += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
+        else
+            result += character;
+    }
+    return result;
+}
+
+} // namespace host
