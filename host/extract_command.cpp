@@ -86,11 +86,6 @@ std::optional<failure> find_accounts(const QString &root, source_info &source)
                            .arg(users.filePath())};
     }
     source.system_account_QList = accounts_on_source(root);
-    if (source.system_account_QList.isEmpty() &&
-        source.os_scheme_internal == QLatin1String("macOS"))
-        warn(QStringLiteral("no account under %1, so there is nothing to extract; SOURCE is the "
-                            "folder that holds Users/.")
-                 .arg(users.filePath()));
     return std::nullopt;
 }
 
@@ -103,6 +98,17 @@ source_info describe_source(const extract_options &options)
     source.os_scheme_internal = options.scheme;
     source.system_account_QList = options.accounts;
     return source;
+}
+
+// No error: a system without accounts may be examined. Mostly it is the wrong folder.
+void warn_without_accounts(const source_info &source)
+{
+    if (!source.system_account_QList.isEmpty() ||
+        source.os_scheme_internal != QLatin1String("macOS"))
+        return;
+    warn(QStringLiteral("no account under %1Users, so there is nothing to extract; SOURCE is the "
+                        "folder that holds Users/.")
+             .arg(source.fs_extraction_source_path));
 }
 
 exit_status finish(const result_place &place, const run_result &result, bool json)
@@ -148,6 +154,7 @@ exit_status run_extract(const QStringList &arguments)
         problem = check_writable(place, options.debug_log);
     if (problem)
         return report(*problem);
+    warn_without_accounts(source);
     const run_result result =
         run_extraction(*plugin.object, options, source, place.directory, interrupts);
     return finish(place, result, options.json);
