@@ -4,6 +4,7 @@
 #include "plugin_static_function.h"
 
 #include "date_parsing.h"
+#include "platform/foundation_values.h"
 
 #include <QLocale>
 
@@ -170,4 +171,10 @@ QDateTime plugin_static_function::get_datetime_from_string_with_iso_date(QString
         parsed = support::parse_iso_date(pieces[0] + QLatin1Char(' ') + pieces[1] + pieces[2]);
     app_debug(QStringLiteral("End "), QLatin1String(iso_date_signature));
     return parsed;
+}
+
+qint64 plugin_static_function::convert_nsdate_to_epoch(NSDate *date, NSObject *object)
+{
+    const auto text = platform::formatted_local_date(date, object);
+    return text ? support::epoch_from_formatted_local_date(*text) : 0;
 }

@@ -1,15 +1,16 @@
 // The times that the file system keeps of one file.
 #include "plugin_static_function.h"
 
+#include "platform/file_times.h"
 #include "source_boundary.h"
-
-#include <QFileInfo>
 
 namespace {
 
-qint64 epoch_seconds(const QDateTime &time)
+constexpr qint64 milliseconds_per_second = 1000;
+
+qint64 epoch_seconds(const std::optional<qint64> &time_ms)
 {
-    return time.isValid() ? time.toMSecsSinceEpoch() / 1000 : 0;
+    return time_ms.value_or(0) / milliseconds_per_second;
 }
 
 } // namespace
@@ -28,9 +29,9 @@ struct_posix_timestamp plugin_static_function::get_posix_timestamp(QString path,
     const support::resolved_path file = source.resolve(prefix + path);
     if (file.where != support::reach::inside)
         return {};
-    const QFileInfo info(file.path);
-    if (!info.exists())
+    const auto times = platform::times_of(file.path);
+    if (!times)
         return {};
-    return {epoch_seconds(info.birthTime()), epoch_seconds(info.lastModified()),
-            epoch_seconds(info.lastRead())};
+    return {epoch_seconds(times->born_ms), epoch_seconds(times->modified_ms),
+            epoch_seconds(times->accessed_ms)};
 }
