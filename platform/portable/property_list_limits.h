@@ -1,0 +1,31 @@
+// What a property list may cost at most. Far beyond any list that the client writes; they bound the
+// time and memory that a forged one can take. docs/limits.md repeats them.
+#pragma once
+
+#include <QtGlobal>
+
+namespace platform {
+
+// A larger file is no list.
+constexpr qint64 largest_list_bytes = 32 * 1024 * 1024;
+// The same for a text that has to be converted to UTF-8, which can double its size.
+constexpr qint64 largest_converted_list_bytes = 16 * 1024 * 1024;
+// Bytes, converted text and elements of one XML list together.
+constexpr qint64 largest_list_memory_bytes = 64 * 1024 * 1024;
+// Memory that one element of an XML list takes in the parser's tree.
+constexpr qint64 xml_element_bytes = 64;
+// Containers inside one another in an XML list.
+constexpr int deepest_list_level = 512;
+// Entries of one array or dictionary of a binary list. An entry there can be one byte, and all may
+// name the same value.
+constexpr quint64 largest_container_count = 1'000'000;
+// Work that all questions about one binary list may take: a byte of text counts once each time that
+// it is looked at, a compared key as several. Without it, few bytes that name the same large text
+// or dictionary many times would take hours. Afterwards nothing is found and no text is read any
+// more.
+constexpr quint64 largest_list_work = quint64(1) << 30;
+constexpr quint64 compared_key_work = 16;
+// A buffer larger than this is given back before the next list.
+constexpr int largest_kept_buffer_bytes = 1024 * 1024;
+
+} // namespace platform

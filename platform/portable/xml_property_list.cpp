@@ -1,0 +1,355 @@
+#include "xml_property_list.h"
+
+#include "class_names.h"
+#include "property_list_limits.h"
+#include "support/foundation_numbers.h"
+#include "xml_list_check.h"
+#include "xml_list_encoding.h"
+
+#include <QByteArray>
+
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+namespace platform {
+
+namespace {
+
+// Texts stand in their element itself, not in a node of their own, unless CDATA splits them. Line
+// ends stay as they are.
+constexpr unsigned parse_flags = pugi::parse_escapes | pugi::parse_cdata |
+                                 pugi::parse_embed_pcdata | pugi::parse_ws_pcdata_single;
+
+pugi::xml_node to_node(property_list_node node)
+{
+    return pugi::xml_node(reinterpret_cast<pugi::xml_node_struct *>(node));
+}
+
+property_list_node from_node(pugi::xml_node node)
+{
+    return reinterpret_cast<property_list_node>(node.internal_object());
+}
+
+// With CDATA in the list, white space between the elements of a container has nodes of its own.
+pugi::xml_node forward_to_element(pugi::xml_node node)
+{
+    while (node && node.type() != pugi::node_element)
+        node = node.next_sibling();
+    return node;
+}
+
+pugi::xml_node back_to_element(pugi::xml_node node)
+{
+    while (node && node.type() != pugi::node_element)
+        node = node.previous_sibling();
+    return node;
+}
+
+pugi::xml_node first_element(pugi::xml_node container)
+{
+    return forward_to_element(container.first_child());
+}
+
+pugi::xml_node next_element(pugi::xml_node element)
+{
+    return forward_to_element(element.next_sibling());
+}
+
+pugi::xml_node previous_element(pugi::xml_node element)
+{
+    return back_to_element(element.previous_sibling());
+}
+
+QString from_utf8(const char *bytes)
+{
+    const QString text = QString::fromUtf8(bytes);
+    // Qt takes a leading byte-order mark away; inside a list it is a character of the text.
+    return std::strncmp(bytes, "\xef\xbb\xbf", 3) == 0 ? QChar(QChar::ByteOrderMark) + text : text;
+}
+
+QString joined_text(pugi::xml_node element)
+{
+    if (!element.first_child())
+        return from_utf8(element.value());
+    QByteArray pieces(element.value());
+    for (const pugi::xml_node piece : element.children())
+        pieces += piece.value();
+    return from_utf8(pieces.constData());
+}
+
+// Compares piece by piece, so that a long text costs no more than the key.
+bool has_text(pugi::xml_node element, const char *utf8_text)
+{
+    const auto starts_rest = [&utf8_text](const char *piece) {
+        for (; *piece != '\0' && *piece == *utf8_text; ++piece)
+            ++utf8_text;
+        return *piece == '\0';
+    };
+    if (!starts_rest(element.value()))
+        return false;
+    for (pugi::xml_node piece = element.first_child(); piece; piece = piece.next_sibling()) {
+        if (!starts_rest(piece.value()))
+            return false;
+    }
+    return *utf8_text == '\0';
+}
+
+// Foundation makes no dictionary of this, but the reference of a keyed archive.
+bool is_archive_reference(pugi::xml_node dictionary)
+{
+    const pugi::xml_node key = first_element(dictionary);
+    if (!key || !has_text(key, "CF$UID"))
+        return false;
+    const pugi::xml_node value = next_element(key);
+    return !next_element(value) && (value.name()[0] == 'i' || value.name()[0] == 'r');
+}
+
+// The only names are those that the check lets through.
+value_kind kind_of(pugi::xml_node element)
+{
+    const char *const name = element.name();
+    switch (name[0]) {
+    case 's':
+    case 'k':
+        return value_kind::text;
+    case 'i':
+    case 'r':
+        return value_kind::number;
+    case 't':
+    case 'f':
+        return value_kind::boolean;
+    case 'a':
+        return value_kind::array;
+    case 'd':
+        break;
+    default:
+        return value_kind::absent;
+    }
+    if (name[1] == 'a')
+        return name[3] == 'e' ? value_kind::date : value_kind::data;
+    return is_archive_reference(element) ? value_kind::absent : value_kind::dictionary;
+}
+
+struct whole_number
+{
+    quint64 magnitude = 0;
+    bool is_negative = false;
+};
+
+whole_number read_whole_number(const char *written)
+{
+    const auto skip_space = [&written] { written += std::strspn(written, " \t\r\n"); };
+    whole_number number;
+    skip_space();
+    if (*written == '-' || *written == '+') {
+        number.is_negative = *written == '-';
+        ++written;
+        skip_space();
+    }
+    const bool is_hexadecimal = written[0] == '0' && (written[1] == 'x' || written[1] == 'X');
+    // Neither knows a locale.
+    number.magnitude = std::strtoull(written, nullptr, is_hexadecimal ? 16 : 10);
+    return number;
+}
+
+double read_real(const char *written)
+{
+    const bool is_negative = *written == '-';
+    const char *const name = written + (is_negative || *written == '+' ? 1 : 0);
+    if (*name == 'i' || *name == 'I') {
+        constexpr double infinity = std::numeric_limits<double>::infinity();
+        return is_negative ? -infinity : infinity;
+    }
+    if (*name == 'n' || *name == 'N')
+        return std::numeric_limits<double>::quiet_NaN();
+    return support::leading_double(QString::fromLatin1(written));
+}
+
+// Days from 1970-01-01 to the first of a month in the Gregorian calendar, which is taken to reach
+// back before its introduction. `month` counts from 0 and may lie outside of its year.
+qint64 days_to_month(qint64 year, qint64 month)
+{
+    // Years begin in March here, so that a leap day is the last of its year.
+    qint64 months = year * 12 + month - 2;
+    const qint64 era_months = 400 * 12;
+    const qint64 eras = (months >= 0 ? months : months - era_months + 1) / era_months;
+    months -= eras * era_months;
+    const qint64 year_of_era = months / 12;
+    const qint64 day_of_year = (153 * (months % 12) + 2) / 5;
+    return eras * 146097 + year_of_era * 365 + year_of_era / 4 - year_of_era / 100 + day_of_year -
+           719468;
+}
+
+double read_date(const char *written)
+{
+    const bool is_negative = *written == '-';
+    if (is_negative)
+        ++written;
+    qint64 fields[6] = {};
+    for (qint64 &field : fields) {
+        char *end = nullptr;
+        field = std::strtoll(written, &end, 10);
+        written = end + 1;
+    }
+    const qint64 year = is_negative ? -fields[0] : fields[0];
+    const qint64 days = days_to_month(year, fields[1] - 1) + fields[2] - 1;
+    const qint64 seconds = ((days * 24 + fields[3]) * 60 + fields[4]) * 60 + fields[5];
+    constexpr qint64 seconds_to_2001 = 978307200;
+    return static_cast<double>(seconds - seconds_to_2001);
+}
+
+} // namespace
+
+bool xml_property_list::load(QByteArray *bytes)
+{
+    clear();
+    const xml_list_text list = xml_list_as_utf8(bytes, &converted_);
+    if (list.begin == nullptr)
+        return false;
+    const qint64 used_bytes = qint64(bytes->size()) + converted_.size();
+    const qint64 largest_count = (largest_list_memory_bytes - used_bytes) / xml_element_bytes;
+    const xml_list_extent extent = check_xml_list(list.begin, list.end, largest_count);
+    if (extent.begin == nullptr)
+        return false;
+    const unsigned flags = extent.has_cdata ? parse_flags | pugi::parse_ws_pcdata : parse_flags;
+    const pugi::xml_parse_result parsed = document_.load_buffer_inplace(
+        extent.begin, size_t(extent.end - extent.begin), flags, pugi::encoding_utf8);
+    if (!parsed)
+        clear();
+    return parsed;
+}
+
+void xml_property_list::clear()
+{
+    document_.reset();
+    last_element_ = {};
+    last_end_ = {};
+    if (!converted_.isEmpty())
+        converted_ = QByteArray();
+}
+
+property_list_node xml_property_list::root() const
+{
+    return from_node(document_.first_child());
+}
+
+value_kind xml_property_list::kind(property_list_node node) const
+{
+    return kind_of(to_node(node));
+}
+
+QString xml_property_list::class_name(property_list_node node) const
+{
+    return foundation_class_name(kind(node));
+}
+
+QString xml_property_list::text(property_list_node node) const
+{
+    const pugi::xml_node element = to_node(node);
+    return kind_of(element) == value_kind::text ? joined_text(element) : QString();
+}
+
+double xml_property_list::double_value(property_list_node node) const
+{
+    const pugi::xml_node element = to_node(node);
+    switch (kind_of(element)) {
+    case value_kind::text:
+        return support::leading_double(joined_text(element));
+    case value_kind::boolean:
+        return element.name()[0] == 't' ? 1 : 0;
+    case value_kind::number:
+        break;
+    default:
+        return 0;
+    }
+    if (element.name()[0] == 'r')
+        return read_real(element.value());
+    const whole_number number = read_whole_number(element.value());
+    const auto magnitude = static_cast<double>(number.magnitude);
+    return number.is_negative ? -magnitude : magnitude;
+}
+
+double xml_property_list::seconds_since_reference_date(property_list_node node) const
+{
+    const pugi::xml_node element = to_node(node);
+    return kind_of(element) == value_kind::date ? read_date(element.value()) : 0;
+}
+
+bool xml_property_list::is_floating(property_list_node node) const
+{
+    return to_node(node).name()[0] == 'r';
+}
+
+qint64 xml_property_list::integer_value(property_list_node node) const
+{
+    const pugi::xml_node element = to_node(node);
+    switch (element.name()[0]) {
+    case 't':
+        return 1;
+    case 'r':
+        return support::truncated_to_int64(read_real(element.value()));
+    case 'i':
+        break;
+    default:
+        return 0;
+    }
+    const whole_number number = read_whole_number(element.value());
+    return static_cast<qint64>(number.is_negative ? 0 - number.magnitude : number.magnitude);
+}
+
+int xml_property_list::count(property_list_node node) const
+{
+    if (last_end_.container == node && node != 0)
+        return last_end_.index;
+    const pugi::xml_node container = to_node(node);
+    const value_kind kind = kind_of(container);
+    if (kind != value_kind::array && kind != value_kind::dictionary)
+        return 0;
+    int count = 0;
+    for (pugi::xml_node child = first_element(container); child; child = next_element(child))
+        ++count;
+    if (kind == value_kind::dictionary)
+        count /= 2;
+    last_end_ = {node, count, {}};
+    return count;
+}
+
+bool xml_property_list::look_up(property_list_node dictionary, const QString &key,
+                                property_list_node *found) const
+{
+    const pugi::xml_node container = to_node(dictionary);
+    if (kind_of(container) != value_kind::dictionary)
+        return false;
+    const QByteArray utf8_key = key.toUtf8();
+    pugi::xml_node value = back_to_element(container.last_child());
+    while (value) {
+        const pugi::xml_node candidate = previous_element(value);
+        if (has_text(candidate, utf8_key.constData())) {
+            *found = from_node(value);
+            return true;
+        }
+        value = previous_element(candidate);
+    }
+    return false;
+}
+
+bool xml_property_list::element(property_list_node array, int index,
+                                property_list_node *found) const
+{
+    const pugi::xml_node container = to_node(array);
+    if (index < 0 || kind_of(container) != value_kind::array)
+        return false;
+    place at = last_element_;
+    if (at.container != array || at.index > index)
+        at = {array, 0, first_element(container)};
+    for (; at.element && at.index < index; ++at.index)
+        at.element = next_element(at.element);
+    if (!at.element)
+        return false;
+    last_element_ = at;
+    *found = from_node(at.element);
+    return true;
+}
+
+} // namespace platform
