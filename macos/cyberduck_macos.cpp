@@ -2,12 +2,6 @@
 
 #include "support/plugin_static_function.h"
 
-namespace {
-
-constexpr qint64 signal_interval_ms = 1000;
-
-} // namespace
-
 cyberduck_macos::cyberduck_macos(QWidget *parent)
     : QWidget(parent)
     , extraction_timer(std::make_unique<QElapsedTimer>())
@@ -114,11 +108,12 @@ void cyberduck_macos::macos_extract_artifacts()
 void cyberduck_macos::count_row()
 {
     ++record_count;
-    if (extraction_timer->isValid() && extraction_timer->elapsed() <= signal_interval_ms)
+    if (!extraction_timer->isValid())
+        extraction_timer->start();
+    if (extraction_timer->elapsed() <= signal_interval_ms)
         return;
-    if (extraction_timer->isValid())
-        Q_EMIT signal_extracted_records_of_plugin_macos(record_count);
-    extraction_timer->start();
+    Q_EMIT signal_extracted_records_of_plugin_macos(record_count);
+    extraction_timer->restart();
 }
 
 macos::run_environment cyberduck_macos::environment()

@@ -52,6 +52,9 @@ public:
     void macos_cancel_extraction(); // may come from another thread
     void macos_set_source_count(int count);
 
+    // The record count is emitted at most once in this time while rows are written; 1000 at first.
+    void set_signal_interval_ms(qint64 interval) { signal_interval_ms = interval; }
+
     // Lists the users' folders and files; needs the source record.
     void macos_find_artifacts_source();
     // Runs the extractors of the selected tabs and emits the counts.
@@ -123,6 +126,7 @@ private:
     QStringList transfers_dir_list;
     QStringList preferences_file_list;
 
+    qint64 signal_interval_ms = 1000;
     QString last_asked_path_;
     support::resolved_path last_place_;
 };
