@@ -41,6 +41,33 @@ void copy_file(const QString &source, const QString &destination)
     }
 }
 
+// `left_out`: the destination of the whole copy, which may lie inside the source.
+void copy_tree(const QString &source, const QString &destination, const QString &left_out)
+{
+    const QDir from(source);
+    if (!from.exists()) {
+        log_copy_failure("[copy_directory] source diectory does not exist ----FAILED---- :",
+                         source);
+        return;
+    }
+    if (!QDir().mkpath(destination)) {
+        log_copy_failure("[copy_directory] Error:", destination);
+        return;
+    }
+    const QFileInfoList entries = from.entryInfoList(every_entry, QDir::DirsFirst);
+    for (const QFileInfo &entry : entries) {
+        if (plugin_static_function::bool_cancel_extraction)
+            return;
+        if (entry.isSymLink() || entry.absoluteFilePath() == left_out)
+            continue;
+        const QString copy = destination + QLatin1Char('/') + entry.fileName();
+        if (entry.isDir())
+            copy_tree(entry.absoluteFilePath(), copy, left_out);
+        else if (entry.isFile())
+            copy_file(entry.absoluteFilePath(), copy);
+    }
+}
+
 } // namespace
 
 void plugin_static_function::remove_directory(QString path)
@@ -93,28 +120,5 @@ QString plugin_static_function::get_available_file(QString file_path, QString di
 // left out, so that nothing outside of `source` is ever copied.
 void plugin_static_function::copy_directory(QString source, QString destination)
 {
-    const QDir from(source);
-    if (!from.exists()) {
-        log_copy_failure("[copy_directory] source diectory does not exist ----FAILED---- :",
-                         source);
-        return;
-    }
-    // Listed before the destination is made, which may lie inside.
-    const QFileInfoList entries = from.entryInfoList(every_entry, QDir::DirsFirst);
-    const QString destination_itself = QFileInfo(destination).absoluteFilePath();
-    if (!QDir().mkpath(destination)) {
-        log_copy_failure("[copy_directory] Error:", destination);
-        return;
-    }
-    for (const QFileInfo &entry : entries) {
-        if (bool_cancel_extraction)
-            return;
-        if (entry.isSymLink() || entry.absoluteFilePath() == destination_itself)
-            continue;
-        const QString copy = destination + QLatin1Char('/') + entry.fileName();
-        if (entry.isDir())
-            copy_directory(entry.absoluteFilePath(), copy);
-        else if (entry.isFile())
-            copy_file(entry.absoluteFilePath(), copy);
-    }
+    copy_tree(source, destination, QFileInfo(destination).absoluteFilePath());
 }

@@ -40,7 +40,7 @@ protected:
         if (!file.open(QIODevice::ReadOnly) || !file.seek(log_read))
             return lines;
         while (!file.atEnd())
-            lines.append(QString::fromUtf8(file.readLine()).mid(23).trimmed());
+            lines.append(QString::fromUtf8(file.readLine()).mid(22).trimmed());
         log_read = file.pos();
         return lines;
     }
