@@ -186,15 +186,24 @@ void spotlight_index::swap_ids_if_needed()
 
 void spotlight_index::order_children()
 {
-    children_.resize(entries_.size());
-    for (size_t i = 0; i < children_.size(); ++i)
-        children_[i] = static_cast<quint32>(i);
-    std::sort(children_.begin(), children_.end(), [this](quint32 a, quint32 b) {
-        const entry &first = entries_[a];
-        const entry &second = entries_[b];
-        return first.parent != second.parent ? first.parent < second.parent
-                                             : first.name_hash < second.name_hash;
+    // Sorting the keys themselves, for a moment, is several times faster than by way of entries_.
+    struct child
+    {
+        quint64 parent;
+        quint32 hash;
+        quint32 entry;
+    };
+    std::vector<child> order;
+    order.reserve(entries_.size());
+    for (const entry &record : entries_)
+        order.push_back({record.parent, record.name_hash, static_cast<quint32>(order.size())});
+    std::sort(order.begin(), order.end(), [](const child &a, const child &b) {
+        return a.parent != b.parent ? a.parent < b.parent : a.hash < b.hash;
     });
+    children_.clear();
+    children_.reserve(order.size());
+    for (const child &own : order)
+        children_.push_back(own.entry);
 }
 
 size_t spotlight_index::memory_bytes() const

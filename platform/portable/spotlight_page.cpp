@@ -17,6 +17,9 @@ constexpr quint32 most_page_bytes = 1024 * 1024;
 
 constexpr quint32 low_type_mask = 0xff;
 constexpr quint32 records_type = 0x09;
+// Neither zlib nor LZ4 can unpack to more; a forged size does not cost more memory than that.
+constexpr qint64 most_plain_per_packed_byte = 1040;
+
 constexpr quint32 lz4_bit = 0x1000;
 constexpr quint32 lzfse_bit = 0x2000;
 
@@ -55,7 +58,9 @@ QByteArray read_page(byte_source &file, quint32 block, quint32 low_type, quint32
 QByteArray unpack(const page_header &header, std::string_view packed)
 {
     const qint64 announced = qint64(header.plain_bytes) - header_bytes;
-    const int most = static_cast<int>(std::clamp<qint64>(announced, 0, most_plain_page_bytes));
+    const qint64 possible = most_plain_per_packed_byte * static_cast<qint64>(packed.size());
+    const int most = static_cast<int>(
+        std::clamp<qint64>(announced, 0, std::min<qint64>(possible, most_plain_page_bytes)));
     if ((header.type & lz4_bit) == 0)
         return unpack_zlib(packed, most);
     return starts_with_lz4_frame(packed) ? unpack_lz4_frames(packed, most)

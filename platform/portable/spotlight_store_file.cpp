@@ -163,6 +163,7 @@ private:
     {
         quint32 offset = 0;
         while (!over()) {
+            offset += empty_records_at(content, offset);
             const auto record = record_at(content, offset);
             if (!record)
                 return offset == static_cast<quint32>(content.size());
@@ -171,6 +172,18 @@ private:
             offset += static_cast<quint32>(sizeof(quint32) + record->size());
         }
         return true;
+    }
+
+    // Bytes of sizes that are zero, or of zeros up to the end: a page of nothing else would hold
+    // millions of them.
+    static quint32 empty_records_at(const QByteArray &content, quint32 offset)
+    {
+        const std::string_view rest = view_of(content).substr(offset);
+        const size_t zeros = rest.find_first_not_of('\0');
+        const size_t skipped = zeros == std::string_view::npos
+                                   ? rest.size()
+                                   : zeros / sizeof(quint32) * sizeof(quint32);
+        return static_cast<quint32>(skipped);
     }
 
     const spotlight_store_file &file_;

@@ -13,7 +13,7 @@ namespace test_support {
 namespace {
 
 constexpr int block_bytes = 0x1000;
-constexpr int store_page_bytes = 0x4000;
+constexpr size_t entries_a_table_page = 6; // few, so that tables are chains
 constexpr int full_page_bytes = 60000;
 constexpr quint32 table_types[] = {0x11, 0x21, 0x81, 0x81};
 constexpr int table_fields[] = {48, 52, 60, 64};
@@ -256,22 +256,28 @@ store_writer &store_writer::tables_beside(bool beside)
     return *this;
 }
 
+store_writer &store_writer::page_bytes(int bytes)
+{
+    page_bytes_ = bytes;
+    return *this;
+}
+
 QByteArray store_writer::store()
 {
-    const int map_entries_a_page = (store_page_bytes - 20) / 16;
+    const int map_entries_a_page = (page_bytes_ - 20) / 16;
     const int map_pages = int(pages_.size()) / map_entries_a_page + 1;
-    QByteArray store(map_offset + map_pages * store_page_bytes, '\0');
+    QByteArray store(map_offset + map_pages * page_bytes_, '\0');
     overwrite(&store, 0, "8tsd" + little_u32(0x509));
     overwrite(&store, 36, little_u32(map_offset));
-    overwrite(&store, 40, little_u32(quint32(map_pages * store_page_bytes)));
-    overwrite(&store, 44, little_u32(store_page_bytes));
+    overwrite(&store, 40, little_u32(quint32(map_pages * page_bytes_)));
+    overwrite(&store, 44, little_u32(page_bytes_));
     data_pages_.clear();
     data_page_sizes_.clear();
     for (const data_page &own : pages_) {
         const bool packed = own.how != packing::plain;
         const QByteArray bytes =
             page(0x09 | packing_bits(own.how), packed ? quint32(own.plain.size()) + 20 : 0,
-                 pack(own.plain, own.how));
+                 pack(own.plain, own.how), page_bytes_);
         data_pages_.push_back(store.size());
         data_page_sizes_.push_back(bytes.size());
         store += bytes;
@@ -283,17 +289,17 @@ QByteArray store_writer::store()
 
 QByteArray store_writer::map() const
 {
-    const int entries_a_page = (store_page_bytes - 20) / 16;
+    const int entries_a_page = (page_bytes_ - 20) / 16;
     QByteArray map;
     for (size_t first = 0; first == 0 || first < data_pages_.size();
          first += size_t(entries_a_page)) {
         const size_t end = std::min(data_pages_.size(), first + size_t(entries_a_page));
-        QByteArray own = map_signature_ + little_u32(store_page_bytes) +
+        QByteArray own = map_signature_ + little_u32(page_bytes_) +
                          little_u32(quint32(end - first)) + little_u64(0);
         for (size_t i = first; i < end; ++i)
             own += little_u64(i) + little_u32(quint32(data_pages_[i] / block_bytes)) +
                    little_u32(quint32(data_page_sizes_[i]));
-        map += padded(own, store_page_bytes);
+        map += padded(own, page_bytes_);
     }
     return map;
 }
@@ -304,14 +310,14 @@ void store_writer::append_tables(QByteArray *store)
     for (size_t k = 0; k < 4 && !tables_beside_; ++k) {
         table_pages_[k] = store->size();
         overwrite(store, table_fields[k], little_u32(quint32(store->size() / block_bytes)));
-        // Two entries a page, so that every table is a chain.
-        for (size_t i = 0; i < tables_[k].size() || i == 0; i += 2) {
+        for (size_t i = 0; i < tables_[k].size() || i == 0; i += entries_a_table_page) {
             QByteArray entries;
-            for (size_t j = i; j < std::min(i + 2, tables_[k].size()); ++j)
+            for (size_t j = i; j < std::min(i + entries_a_table_page, tables_[k].size()); ++j)
                 entries += little_u32(tables_[k][j].first) + tables_[k][j].second;
-            const bool last = i + 2 >= tables_[k].size();
-            const QByteArray next = little_u32(last ? 0 : quint32(store->size() / block_bytes) + 4);
-            *store += page(table_types[k], 0, next + little_u64(0) + entries);
+            const bool last = i + entries_a_table_page >= tables_[k].size();
+            const QByteArray next =
+                little_u32(last ? 0 : quint32((store->size() + page_bytes_) / block_bytes));
+            *store += page(table_types[k], 0, next + little_u64(0) + entries, page_bytes_);
         }
     }
 }
@@ -372,9 +378,9 @@ QByteArray pack(const QByteArray &plain, packing how)
     }
 }
 
-QByteArray page(quint32 type, quint32 plain_size, const QByteArray &content)
+QByteArray page(quint32 type, quint32 plain_size, const QByteArray &content, int unit)
 {
-    const QByteArray body = padded(QByteArray(20, '\0') + content, store_page_bytes);
+    const QByteArray body = padded(QByteArray(20, '\0') + content, unit);
     QByteArray bytes = "2pbd" + little_u32(quint32(body.size())) +
                        little_u32(quint32(content.size()) + 20) + little_u32(type) +
                        little_u32(plain_size);

@@ -65,6 +65,7 @@ public:
     store_writer &swap_ids(bool swap);
     store_writer &map_signature(const char *signature);
     store_writer &tables_beside(bool beside);
+    store_writer &page_bytes(int bytes); // 0x4000 if not set, a multiple of 0x1000
 
     [[nodiscard]] QByteArray store();
     // The side files, by name; empty lists of bytes for a store with tables inside.
@@ -101,6 +102,7 @@ private:
     std::vector<int> table_pages_;
     QByteArray map_signature_ = "2mbd";
     packing packing_ = packing::plain;
+    int page_bytes_ = 0x4000;
     bool swap_ids_ = false;
     bool tables_beside_ = false;
     bool page_open_ = false;
@@ -109,7 +111,8 @@ private:
 // Packed forms of a page's records.
 [[nodiscard]] QByteArray pack(const QByteArray &plain, packing how);
 // A page with its header; sizes as given, so that they can be wrong.
-[[nodiscard]] QByteArray page(quint32 type, quint32 plain_size, const QByteArray &content);
+[[nodiscard]] QByteArray page(quint32 type, quint32 plain_size, const QByteArray &content,
+                              int unit = 0x4000);
 // The bytes at `offset` replaced.
 void overwrite(QByteArray *bytes, int offset, const QByteArray &by);
 

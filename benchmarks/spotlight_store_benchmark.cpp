@@ -1,0 +1,99 @@
+// What the index of a volume costs: to read once, to keep, and to ask.
+#include "platform/portable/spotlight_store.h"
+
+#include "tests/support/spotlight_store_writer.h"
+
+#include <benchmark/benchmark.h>
+
+#include <memory>
+
+namespace {
+
+using namespace test_support;
+
+constexpr quint64 records_per_folder = 50;
+constexpr quint64 first_id = 100;
+
+QString folder_name(quint64 id)
+{
+    return QStringLiteral("Folder %1 of the user").arg(id);
+}
+
+QString file_name(quint64 id)
+{
+    return QStringLiteral("Document %1.txt").arg(id);
+}
+
+QHash<QString, QByteArray> volume_of(quint64 records)
+{
+    store_writer writer;
+    writer.page_packing(packing::lz4_frames);
+    const quint32 used = writer.attribute("kMDItemUsedDates", 12, 2);
+    const quint32 size = writer.attribute("kMDItemLogicalSize", 7, 0x48);
+    const quint32 comment = writer.attribute("kMDItemTextContentLanguage", 11, 0);
+    writer.root();
+    quint64 folder = 2;
+    for (quint64 id = first_id; id < first_id + records; ++id) {
+        const bool is_folder = id % records_per_folder == 0;
+        const QByteArray name = (is_folder ? folder_name(id) : file_name(id)).toUtf8();
+        record_writer record(id, is_folder ? 2 : folder);
+        record.add(store_writer::file_name, prefixed(name + '\0'));
+        record.add(used, prefixed(date(1.5e9 + double(id)) + date(1.6e9)));
+        record.add(size, variable(id * 977));
+        record.add(comment, prefixed(QByteArray(150, char('a' + id % 26))));
+        writer.add(record);
+        if (is_folder)
+            folder = id;
+    }
+    return writer.folder();
+}
+
+std::unique_ptr<platform::spotlight_store> opened(const QHash<QString, QByteArray> &files)
+{
+    return std::make_unique<platform::spotlight_store>(
+        std::make_unique<platform::memory_byte_folder>(files), QStringLiteral("store"));
+}
+
+void index_store(benchmark::State &state)
+{
+    const auto files = volume_of(quint64(state.range(0)));
+    size_t bytes = 0;
+    size_t records = 0;
+    for (auto _ : state) {
+        const auto store = opened(files);
+        store->load(nullptr);
+        bytes = store->index().memory_bytes();
+        records = store->index().size();
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+    state.counters["bytes/record"] = double(bytes) / double(records);
+    state.counters["MiB"] = double(bytes) / 1048576.0;
+}
+
+// By path, then one attribute of it; the files asked for lie all over the volume.
+void look_up(benchmark::State &state)
+{
+    const auto files = volume_of(quint64(state.range(0)));
+    const auto store = opened(files);
+    store->load(nullptr);
+    quint64 id = first_id;
+    size_t found = 0;
+    for (auto _ : state) {
+        id = first_id + records_per_folder + (id * 7919) % (quint64(state.range(0)) - 200);
+        id += id % records_per_folder == 0 ? 1 : 0;
+        const QStringList path = {folder_name(id - id % records_per_folder), file_name(id)};
+        const auto records = store->index().find_path(path);
+        const auto values = records.empty() ? nullptr : store->attributes(records.front());
+        if (values != nullptr && values->value(QStringLiteral("kMDItemUsedDates")))
+            ++found;
+    }
+    if (found != size_t(state.iterations()))
+        state.SkipWithError("a file was not found");
+}
+
+BENCHMARK(index_store)->Arg(200000)->Arg(2000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(look_up)->Arg(200000)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,13 @@
+// One file of an index, with whatever tables it holds inside.
+#include "exercise_spotlight_store.h"
+
+#include <cstddef>
+#include <cstdint>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, size_t size)
+{
+    const QByteArray store =
+        QByteArray::fromRawData(reinterpret_cast<const char *>(data), int(size));
+    exercise_spotlight_store({{QStringLiteral("store.db"), store}});
+    return 0;
+}
