@@ -161,8 +161,8 @@ QStringList read_tabs(option_reader &reader)
     QStringList known;
     for (const char *name : known_tabs)
         known.append(QLatin1String(name));
-    const QStringList tabs = comma_list(reader.text("tabs"));
-    for (const QString &tab : tabs) {
+    QStringList tabs = comma_list(reader.text("tabs"));
+    for (const QString &tab : qAsConst(tabs)) {
         if (!known.contains(tab)) {
             reader.refuse(QStringLiteral("--tabs does not know '%1'; it takes a comma list of %2.")
                               .arg(tab, known.join(QStringLiteral(", "))));

@@ -182,7 +182,7 @@ QString find_database(const QString &directory)
     const QDir results(directory + QStringLiteral("/Artifacts_Result"));
     const QStringList names = results.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
     for (const QString &name : names) {
-        const QString path =
+        QString path =
             results.filePath(name + QLatin1Char('/') + name + QStringLiteral(".sqlite"));
         if (QFileInfo(path).isFile())
             return path;
