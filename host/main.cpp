@@ -103,7 +103,7 @@ int main(int argc, char **argv)
     // under LC_ALL=C Qt would otherwise lose every accent. Must precede the first conversion.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen"); // nothing is ever shown
+        qputenv("QT_QPA_PLATFORM", "minimal"); // nothing is ever shown, no font is needed
 
     QStringList arguments;
     for (int i = 0; i < argc; ++i)

@@ -114,7 +114,30 @@ QString cell_text(const QVariant &value)
     if (!value.isValid())
         return QStringLiteral("-");
     const QString text = printable(value.toString());
-    return text.size() <= widest_cell ? text : text.left(widest_cell - 1) + QChar(0x2026);
+    if (text.size() <= widest_cell)
+        return text;
+    // In the middle: of a path both ends tell most.
+    constexpr int kept = (widest_cell - 1) / 2;
+    return text.left(kept) + QChar(0x2026) + text.right(kept);
+}
+
+// On a terminal: file names of the source often spell an accent as a mark of its own, which takes
+// no column, and East Asian characters take two.
+int columns_of(const QString &text)
+{
+    int columns = 0;
+    for (const QChar character : text) {
+        const ushort code = character.unicode();
+        if (character.category() == QChar::Mark_NonSpacing || character.isLowSurrogate())
+            continue;
+        const bool is_wide =
+            (code >= 0x1100 && code <= 0x115f) || (code >= 0x2e80 && code <= 0xa4cf) ||
+            (code >= 0xac00 && code <= 0xd7a3) || (code >= 0xd83c && code <= 0xd83e) // pictures
+            || (code >= 0xf900 && code <= 0xfaff) || (code >= 0xfe30 && code <= 0xfe6f) ||
+            (code >= 0xff00 && code <= 0xff60);
+        columns += is_wide ? 2 : 1;
+    }
+    return columns;
 }
 
 void print_aligned(const std::vector<QStringList> &lines)
@@ -122,12 +145,14 @@ void print_aligned(const std::vector<QStringList> &lines)
     QVector<int> widths(lines.front().size(), 0);
     for (const QStringList &line : lines) {
         for (int i = 0; i < line.size(); ++i)
-            widths[i] = std::max(widths[i], line.at(i).size());
+            widths[i] = std::max(widths[i], columns_of(line.at(i)));
     }
     for (const QStringList &line : lines) {
         QString text;
-        for (int i = 0; i < line.size(); ++i)
-            text += line.at(i).leftJustified(widths[i]) + QStringLiteral("  ");
+        for (int i = 0; i < line.size(); ++i) {
+            text +=
+                line.at(i) + QString(widths.at(i) - columns_of(line.at(i)) + 2, QLatin1Char(' '));
+        }
         while (text.endsWith(QLatin1Char(' ')))
             text.chop(1);
         print(text + QLatin1Char('\n'));
@@ -182,8 +207,7 @@ QString find_database(const QString &directory)
     const QDir results(directory + QStringLiteral("/Artifacts_Result"));
     const QStringList names = results.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
     for (const QString &name : names) {
-        QString path =
-            results.filePath(name + QLatin1Char('/') + name + QStringLiteral(".sqlite"));
+        QString path = results.filePath(name + QLatin1Char('/') + name + QStringLiteral(".sqlite"));
         if (QFileInfo(path).isFile())
             return path;
     }

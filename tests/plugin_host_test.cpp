@@ -277,6 +277,20 @@ TEST_F(plugin_host, shows_null_apart_from_empty_and_keeps_rows_on_their_lines)
               QStringLiteral("INT,nickname,comment\n\"1\",\"a\nb\",\n\"2\",\"\"\"c\"\"\",\"\"\n"));
 }
 
+TEST_F(plugin_host, extracts_with_the_library_beside_it_under_any_locale)
+{
+    const char *const bookmarks = "src/Users/zoë/Library/Application Support/Cyberduck/Bookmarks";
+    QDir().mkpath(path(bookmarks));
+    write((QByteArray(bookmarks) + "/é\u6771.duck").constData(),
+          "<plist><dict><key>Nickname</key><string>\u6771</string></dict></plist>");
+    ASSERT_EQ(run(QStringLiteral("extract @/src @/out")).status, 0);
+    const outcome shown = run(QStringLiteral("show @/out --tables bookmarks --format csv "
+                                             "--columns system_user,nickname,comment,source_file"));
+    EXPECT_EQ(shown.out.section(QLatin1Char('\n'), 1),
+              QStringLiteral("\"zoë\",\"\u6771\",,\"/Users/zoë/Library/Application Support/"
+                             "Cyberduck/Bookmarks/é\u6771.duck\"\n"));
+}
+
 TEST_F(plugin_host, explains_itself)
 {
     for (const char *arguments : {"--help", "extract --help", "show --help"}) {
