@@ -29,7 +29,7 @@ class release_pool {
     release_pool &operator=(const release_pool &) = delete;
 
   private:
-    void *pool_;
+    [[maybe_unused]] void *pool_; // needed where there are such pools
 };
 
 // The whole text; null for a null pointer.

@@ -89,7 +89,7 @@ bool folder_walk::kind_of(const dirent &found, entry_kind *kind) const
 {
     mode_t mode = 0;
     if (found.d_type != DT_UNKNOWN) {
-        mode = DTTOIF(found.d_type);
+        mode = static_cast<mode_t>(DTTOIF(found.d_type));
     } else {
         struct stat status = {};
         if (::fstatat(::dirfd(directory_.get()), found.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0)
