@@ -78,17 +78,14 @@ class Expected:
     log: collections.Counter[str]
 
 
-class OneOf:
-    """A column for which several answers are right; no values at all means any answer."""
-
-    def __init__(self, *values: Any) -> None:
-        self.values = list(values)
+class Anything:
+    """A column whose content is not settled."""
 
     def __eq__(self, other: object) -> bool:
-        return not self.values or other in self.values
+        return True
 
     def __repr__(self) -> str:
-        return f"one of {self.values}" if self.values else "anything"
+        return "anything"
 
 
 class AttributeDocument:
@@ -133,8 +130,6 @@ def integer_affinity(text: str) -> Any:
 
 
 def stored(column: str, value: Any) -> Any:
-    if isinstance(value, OneOf):
-        return OneOf(*(stored(column, one) for one in value.values))
     if column in INTEGER_COLUMNS and isinstance(value, str):
         return integer_affinity(value)
     return value
@@ -267,14 +262,22 @@ class Model:
                            for row in tables[table]()]
         return Expected(rows, self.log)
 
+    def leads_out(self, name: str, path: str) -> bool:
+        """Whether a path that exists here is none of the source's own; logged if so."""
+        if local_copy.resolve(self.settings.root, path)[0] == local_copy.PRESENT:
+            return False
+        self.log[f"[{name}] outside the source ------FAILED------{path}"] += 1
+        return True
+
     def loaded(self, kind: str, suffix: str, failure: str) -> Iterator[tuple[str, str, Row]]:
         name = "xcode_extract_" + kind.lower()
         for text in ("starts", "end"):
             self.log[f"[{name}] {text}"] += 1
         for folder, user in data_folders(self.settings, kind):
+            if self.leads_out(name, folder):
+                continue
             for path in walk(folder, suffix):
-                if local_copy.resolve(self.settings.root, path)[0] != local_copy.PRESENT:
-                    self.log[f"[{name}] outside the source ------FAILED------{path}"] += 1
+                if self.leads_out(name, path):
                     continue
                 content = load_dictionary(path)
                 if content is None:
@@ -308,9 +311,7 @@ class Model:
             if not os.path.exists(path):
                 continue
             self.log[" Starts"] += 1
-            if local_copy.resolve(self.settings.root, path)[0] != local_copy.PRESENT:
-                self.log["[xcode_extract_preferences] outside the source "
-                         "------FAILED------" + path] += 1
+            if self.leads_out("xcode_extract_preferences", path):
                 continue
             content = load_dictionary(path)
             if content is None:
@@ -371,14 +372,13 @@ class Model:
 
     def local_columns(self, local: str) -> Row:
         name = local.rpartition("/")[2]
-        # A name without a full stop has no suffix; how it is shown is not settled.
-        suffix = name.rpartition(".")[2] if "." in name or not name else OneOf()
-        row = {"file_name": name, "suffix": suffix, "file_exist": "NO",
+        stem, _, suffix = name.removeprefix(".").rpartition(".")
+        row = {"file_name": name, "suffix": suffix if stem else "", "file_exist": "NO",
                "extended_attributes_key_value": AttributeDocument(None, []),
                "extended_attributes_value_for_search": ""}
         state, real = local_copy.resolve(self.settings.root, local) if local else ("", "")
         if state == local_copy.OUTSIDE:
-            self.log[f"[xcode_extract_transfers] outside the source ------FAILED------{local}"] += 1
+            self.log["[xcode_extract_transfers] outside the source ------FAILED------" + local] += 1
         if state == local_copy.PRESENT:
             row.update(self.present_columns(local, real))
         return row
@@ -386,7 +386,7 @@ class Model:
     def present_columns(self, local: str, real: str) -> Row:
         facts = local_copy.attributes(self.settings.root, real)
         born = local_copy.birth_time(real)
-        row = {"file_exist": "YES", "file_size": OneOf(*sorted(local_copy.size_choices(real)))}
+        row = {"file_exist": "YES", "file_size": str(local_copy.total_size(real))}
         row.update(spotlight_columns(facts))
         if not row["date_added"] and born is not None:
             row["date_added"] = str(int((born - filters.EPOCH) // datetime.timedelta(seconds=1)))
@@ -400,7 +400,7 @@ class Model:
             normalised_prefix(self.settings.root, local), shown)
         if local != real:
             # Whether the names and dates of a link or of its target count is not settled.
-            row.update({column: OneOf() for column in
+            row.update({column: Anything() for column in
                         ("fs_name", "fs_creation_date", "fs_content_change_date", "date_added",
                          "content_creation_date", "content_modification_date")})
         return row

@@ -210,19 +210,12 @@ def attributes(root: str, path: str) -> dict[str, Any]:
             **extended_attributes(path)}
 
 
-def size_choices(path: str) -> set[str]:
-    """Sums of a folder's files: with its hidden files and without them."""
+def total_size(path: str) -> int:
+    """The bytes of a file, or of all files of a folder, hidden ones included, links left out."""
     if not os.path.isdir(path):
-        return {str(os.stat(path).st_size)}
-    plain = everything = 0
-    for folder, folders, files in os.walk(path):
-        for name in files:
-            file = os.path.join(folder, name)
-            size = 0 if os.path.islink(file) else os.stat(file).st_size
-            everything += size
-            hidden = any(part.startswith(".") for part in os.path.relpath(file, path).split("/"))
-            plain += 0 if hidden else size
-    return {str(plain), str(everything)}
+        return os.stat(path).st_size
+    files = [os.path.join(folder, name) for folder, _, names in os.walk(path) for name in names]
+    return sum(os.stat(file).st_size for file in files if not os.path.islink(file))
 
 
 def position(path: str) -> tuple[str, str]:

@@ -16,7 +16,7 @@ import sys
 import tempfile
 from typing import Any
 
-from expected_rows import EMPTY_OR_NULL, TABLES, Expected, Model, OneOf, Row, Settings
+from expected_rows import EMPTY_OR_NULL, TABLES, Anything, Expected, Model, Row, Settings
 from source_generator import SourceGenerator
 
 RUN_SECONDS = 60
@@ -83,7 +83,7 @@ def compare_rows(table: str, expected: list[Row], got: list[Row]) -> list[str]:
     left = list(got)
     missing = []
     # Rows with fewer open columns choose first, so that an open one takes no other's partner.
-    for row in sorted(expected, key=lambda one: sum(isinstance(v, OneOf) for v in one.values())):
+    for row in sorted(expected, key=lambda one: sum(isinstance(v, Anything) for v in one.values())):
         partner = next((one for one in left if not differing(table, row, one)), None)
         if partner is None:
             missing.append(row)

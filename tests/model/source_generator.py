@@ -22,7 +22,7 @@ TEXTS = ("sftp", "ftp.example.org", "22", "0022", "1e5", "-7", "1.50", "1.5", "~
          "%41%20", "two\nlines", "tab\there", "~", "~/Documents/../x", "/tmp", "tmp", "NULL")
 BLANKS = (" ", "\t", "\n", "\u00a0", "\u2003", "  ", "\u3000")
 NAMES = ("a", "B", "x y", "Zürich", "semi;colon", "quote\"d", "it's", "eq=ual", "ünï", "100%",
-         "colon:name", "😀", "brace}", "com,ma", "(paren)", "line\nbreak", "e\u0301", "%41", "a.b")
+         "colon:name", "😀", "brace}", "com,ma", "(paren)", "line\nbreak", "e\u0301", "%41", "a.b", ".hid")
 EXTENSIONS = (".txt", ".jpg", ".tar.gz", "", ".PNG", ".zip", ".", ". b")
 STORED_NAMES = ("kMDItemDownloadedDate", "kMDItemFinderComment", "_kMDItemUserTags",
                 "com_apple_note", "kMDItemPixelCount")
@@ -96,6 +96,9 @@ class SourceGenerator:
             os.symlink(target, path)
 
     def data_folder(self, folder: str, suffix: str, maker: Any) -> None:
+        if self.chance(0.05):
+            self.link(os.path.relpath(self.base + "/outside", os.path.dirname(folder)), folder)
+            return
         os.makedirs(folder)
         inner = [folder, folder + "/sub", folder + "/sub/deep er", folder + "/.hidden"]
         for index in range(self.random.randint(0, 8)):
@@ -316,6 +319,8 @@ class SourceGenerator:
             self.write(path + "/one.txt", b"1" * self.random.randrange(100))
             self.write(path + "/in/two", b"2" * self.random.randrange(100))
             self.write(path + "/.DS_Store", b"3" * self.random.randrange(100))
+            self.link("one.txt", path + "/link")
+            self.link("in", path + "/linked")
         elif self.chance(0.3):
             self.write(path, self.image())
         else:
