@@ -6,6 +6,8 @@ import re
 from collections.abc import Callable
 from typing import Any
 
+from filters import WHITE_SPACE
+
 Rendering = Callable[[Any], "str | None"]
 
 EXISTING_FILES = {"ask": "Prompt", "overwrite": "Overwrite", "resume": "Resume",
@@ -24,8 +26,9 @@ def as_stored(value: Any) -> str | None:
 
 
 def leading_number(text: str) -> float:
-    match = re.match(r"[ \t\n\v\f\r]*([+-]?(\d+\.?\d*|\.\d+)([eE][+-]?\d+)?)", text, re.ASCII)
-    return float(match.group(1)) if match else 0.0
+    number = re.compile(r"[+-]?(\d+\.?\d*|\.\d+)([eE][+-]?\d+)?", re.ASCII)
+    match = number.match(text.lstrip(WHITE_SPACE))
+    return float(match.group()) if match else 0.0
 
 
 def truncated(number: float) -> int:
