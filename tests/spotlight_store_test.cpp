@@ -71,6 +71,7 @@ std::vector<value_row> value_rows()
          prefixed("a\xff"
                   "b"),
          "'a\ufffdb'"},
+        {"text with a mark in front", 11, 0, prefixed("\xef\xbb\xbfx"), "'\ufeffx'"},
         {"empty text", 11, 0, prefixed(QByteArray("\0", 1)), "''"},
         {"texts", 11, 2, prefixed(QByteArray("a\0\0b\0", 5)), "['a', '', 'b']"},
         {"last text empty", 11, 2, prefixed(QByteArray("a\0\0", 3)), "['a', '']"},
@@ -499,6 +500,24 @@ TEST(spotlight_store, survives_pages_that_are_packed_wrongly)
         EXPECT_EQ(!store->index().find_path({QStringLiteral("forged")}).empty(), row.found)
             << row.name;
     }
+}
+
+// Each block starts a page that claims a megabyte: 200 times more to read than there is.
+TEST(spotlight_store, gives_up_on_pages_that_overlap)
+{
+    store_writer writer;
+    writer.root().file(20, 2, "a").end_page();
+    for (quint64 id = 100; id < 300; ++id)
+        writer.file(id, 2, "b").end_page();
+    folder_files files = writer.page_bytes(0x1000).folder();
+    for (int number = 1; number <= 200; ++number)
+        set_page(&files["store.db"], writer.data_page_offset(number), 4, 0x100000);
+    const auto store = load(files);
+    EXPECT_EQ(store->reasons(),
+              QStringList(
+                  QStringLiteral("S/store.db: larger than an index can be, not read to its end")));
+    EXPECT_EQ(store->index().find_path({QStringLiteral("a")}).size(), 1U);
+    EXPECT_LT(store->index().size(), 10U);
 }
 
 TEST(spotlight_store, says_why_it_has_no_answer)

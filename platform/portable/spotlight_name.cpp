@@ -1,5 +1,7 @@
 #include "spotlight_name.h"
 
+#include "spotlight_utf8.h"
+
 #include <algorithm>
 
 namespace platform {
@@ -90,7 +92,7 @@ quint32 spotlight_name::hash_of(std::string_view stored_utf8)
 
 QString composed_name(std::string_view utf8)
 {
-    return composed(QString::fromUtf8(utf8.data(), static_cast<int>(utf8.size())));
+    return composed(text_from_utf8(utf8));
 }
 
 } // namespace platform

@@ -15,7 +15,7 @@ namespace {
 constexpr const char *file_names[] = {"store.db", ".store.db"};
 
 constexpr size_t most_cached_pages = 8;
-constexpr qint64 most_cached_bytes = 8 * 1024 * 1024;
+constexpr qint64 most_cached_bytes = qint64(8) * 1024 * 1024;
 
 // The name as stored, empty when the record has none.
 std::string_view file_name_of(const spotlight_cursor &attributes, const spotlight_tables &tables)

@@ -23,7 +23,7 @@ constexpr quint64 lists_block_field = 60;
 constexpr quint64 localized_lists_block_field = 64;
 
 constexpr qint64 least_page_bytes = 4096;
-constexpr qint64 most_page_bytes = 1024 * 1024;
+constexpr qint64 most_page_bytes = qint64(1024) * 1024;
 
 constexpr qint64 map_page_header_bytes = 20;
 constexpr qint64 map_entry_bytes = 16;

@@ -1,8 +1,8 @@
 #include "spotlight_store_places.h"
 
 #include "platform/property_list.h"
+#include "support/folder_walk.h"
 
-#include <QDir>
 #include <QFile>
 
 #include <sys/stat.h>
@@ -64,7 +64,8 @@ void rank(const property_list_value &stores, listed_store *store)
     constexpr int whole_volume = 0;
     constexpr int part_of_volume = 1;
     constexpr int leftover = 2;
-    const property_list_value own = stores.value(QDir(store->folder).dirName());
+    const property_list_value own =
+        stores.value(store->folder.mid(store->folder.lastIndexOf(QLatin1Char('/')) + 1));
     store->rank = leftover;
     if (!own.is(value_kind::dictionary))
         return;
@@ -78,13 +79,18 @@ std::vector<listed_store> stores_in(const QString &index_folder, const QString &
     std::vector<listed_store> found;
     if (!has_folders(index_folder, parent))
         return found;
-    const QDir folder(index_folder + QLatin1Char('/') + parent);
-    const QStringList names = folder.entryList(
-        QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot | QDir::NoSymLinks, QDir::Name);
-    for (const QString &name : names) {
-        if (static_cast<int>(found.size()) < most_stores && holds_store(folder.filePath(name)))
-            found.push_back({folder.filePath(name)});
+    const QString folder = index_folder + QLatin1Char('/') + parent;
+    support::folder_walk entries(folder, folder);
+    while (static_cast<int>(found.size()) < most_stores && entries.next()) {
+        const QString path = folder + QLatin1Char('/') + QFile::decodeName(entries.name());
+        // Everything of this folder comes before what lies deeper.
+        if (entries.path() != path)
+            break;
+        if (entries.kind() == support::folder_walk::entry_kind::folder && holds_store(path))
+            found.push_back({path});
     }
+    std::sort(found.begin(), found.end(),
+              [](const listed_store &a, const listed_store &b) { return a.folder < b.folder; });
     return found;
 }
 

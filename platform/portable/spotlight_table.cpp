@@ -7,7 +7,7 @@ namespace platform {
 namespace {
 
 // Side files can name the same long entry under every index.
-constexpr size_t most_pool_bytes = 128 * 1024 * 1024;
+constexpr size_t most_pool_bytes = size_t(128) * 1024 * 1024;
 
 } // namespace
 

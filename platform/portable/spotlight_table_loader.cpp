@@ -82,7 +82,7 @@ constexpr qint64 side_header_bytes = 56;
 constexpr std::string_view side_signature("\0PataD\0\0", 8);
 constexpr quint64 data_bytes_field = 8 + 3 * 4;
 constexpr quint64 slot_count_field = 8 + 5 * 4;
-constexpr qint64 most_side_data_bytes = 128 * 1024 * 1024;
+constexpr qint64 most_side_data_bytes = qint64(128) * 1024 * 1024;
 constexpr quint32 deleted_slot = 1; // no entry can start there
 
 struct side_files

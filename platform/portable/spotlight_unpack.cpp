@@ -127,7 +127,7 @@ QByteArray unpack_lz4_block(std::string_view packed, int most_bytes)
 bool starts_with_lz4_frame(std::string_view packed)
 {
     const std::string_view mark = packed.substr(0, packed_frame.size());
-    return mark == packed_frame || mark == plain_frame;
+    return mark == packed_frame || mark == plain_frame || mark == last_frame;
 }
 
 } // namespace platform

@@ -2,8 +2,7 @@
 
 #include "spotlight_cursor.h"
 #include "spotlight_record.h"
-
-#include <QString>
+#include "spotlight_utf8.h"
 
 #include <algorithm>
 #include <cmath>
@@ -26,11 +25,6 @@ using scalar = std::optional<spotlight_scalar>;
 std::string_view without_language(std::string_view text)
 {
     return text.substr(0, text.find(language_mark));
-}
-
-QString to_text(std::string_view utf8)
-{
-    return QString::fromUtf8(utf8.data(), static_cast<int>(utf8.size()));
 }
 
 scalar integer(quint8 value_type, quint64 number)
@@ -208,7 +202,7 @@ std::optional<spotlight_value> spotlight_value_decoder::text(std::string_view ut
 {
     if (!afford(utf8.size()))
         return std::nullopt;
-    return spotlight_value(to_text(utf8));
+    return spotlight_value(text_from_utf8(utf8));
 }
 
 // A list that is too long is left out as a whole: a part of it would be another value.
@@ -221,7 +215,7 @@ spotlight_value_decoder::text_list(const std::vector<std::string_view> &texts)
     for (const std::string_view utf8 : texts) {
         if (!afford(utf8.size()))
             return std::nullopt;
-        list.emplace_back(to_text(utf8));
+        list.emplace_back(text_from_utf8(utf8));
     }
     return list_value(std::move(list));
 }

@@ -35,7 +35,7 @@ private:
     [[nodiscard]] bool afford(size_t text_bytes);
 
     const spotlight_tables &tables_;
-    size_t text_bytes_left_ = 64 * 1024 * 1024;
+    size_t text_bytes_left_ = size_t(64) * 1024 * 1024;
 };
 
 // The form for the reader of a report: the one marked `en`, else the first; without its mark.

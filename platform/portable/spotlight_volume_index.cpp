@@ -7,6 +7,7 @@
 #include <QDir>
 
 #include <algorithm>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -122,7 +123,12 @@ bool spotlight_volume_index::load(volume_store *store)
     const QString shown = store->folder.mid(root_.size());
     auto opened = std::make_unique<spotlight_store>(
         std::make_unique<evidence_byte_folder>(store->folder), shown);
-    const bool usable = opened->load(should_stop_);
+    bool usable = false;
+    try {
+        usable = opened->load(should_stop_);
+    } catch (const std::bad_alloc &) {
+        notes_ << shown + QStringLiteral(": the memory does not hold this index");
+    }
     if (usable)
         notes_ << shown + QStringLiteral(": Spotlight index with %1 records")
                               .arg(opened->index().size());
