@@ -32,4 +32,11 @@ using spotlight_value =
 // Null for a value that has no text (a date out of range, an empty list).
 [[nodiscard]] QString description_text(const spotlight_value &value);
 
+// Whether the date has such a text: finite, and at most 1e11 seconds from 1970.
+[[nodiscard]] bool is_printable(const spotlight_date &date);
+
+// Whether the system hands such a text out as a C string directly: it does so for texts that are
+// stored in eight bits, which are those of ASCII characters only.
+[[nodiscard]] bool has_c_string(const QString &text);
+
 } // namespace platform

@@ -37,8 +37,14 @@ std::optional<file_times> times_of(const QString &path)
     struct stat found = {};
     if (::lstat(encoded.constData(), &found) != 0)
         return std::nullopt;
+#ifdef __APPLE__
+    times.born_ms = milliseconds(found.st_birthtimespec);
+    times.modified_ms = milliseconds(found.st_mtimespec);
+    times.accessed_ms = milliseconds(found.st_atimespec);
+#else
     times.modified_ms = milliseconds(found.st_mtim);
     times.accessed_ms = milliseconds(found.st_atim);
+#endif
 #endif
     return times;
 }
