@@ -4,6 +4,8 @@
 
 #include <QtGlobal>
 
+#include <cstddef>
+
 namespace platform {
 
 // A larger file is no list.
@@ -14,6 +16,8 @@ constexpr qint64 largest_converted_list_bytes = 16 * 1024 * 1024;
 constexpr qint64 largest_list_memory_bytes = 64 * 1024 * 1024;
 // Memory that one element of an XML list takes in the parser's tree.
 constexpr qint64 xml_element_bytes = 64;
+// A dictionary of more entries gets no index; looking up a key goes through it.
+constexpr size_t largest_indexed_count = 4096;
 // Containers inside one another in an XML list.
 constexpr int deepest_list_level = 512;
 // Entries of one array or dictionary of a binary list. An entry there can be one byte, and all may

@@ -5,6 +5,7 @@
 
 #include <QLatin1String>
 #include <QString>
+#include <QtEndian>
 
 #include <array>
 #include <cstring>
@@ -23,14 +24,17 @@ struct element_name
     element kind;
 };
 
-constexpr element_name element_names[] = {
-    {"key", 3, element::key},         {"string", 6, element::text},
-    {"dict", 4, element::dictionary}, {"array", 5, element::array},
-    {"integer", 7, element::integer}, {"true", 4, element::boolean},
-    {"false", 5, element::boolean},   {"real", 4, element::real},
-    {"date", 4, element::date},       {"data", 4, element::data},
-    {"plist", 5, element::list},
-};
+constexpr element_name array_name = {"array", 5, element::array};
+constexpr element_name data_name = {"data", 4, element::data};
+constexpr element_name date_name = {"date", 4, element::date};
+constexpr element_name dictionary_name = {"dict", 4, element::dictionary};
+constexpr element_name false_name = {"false", 5, element::boolean};
+constexpr element_name integer_name = {"integer", 7, element::integer};
+constexpr element_name key_name = {"key", 3, element::key};
+constexpr element_name list_name = {"plist", 5, element::list};
+constexpr element_name real_name = {"real", 4, element::real};
+constexpr element_name text_name = {"string", 6, element::text};
+constexpr element_name true_name = {"true", 4, element::boolean};
 
 // What an open container takes next.
 enum class expects : uchar { key, value, element, only_value, end };
@@ -95,14 +99,72 @@ int wide_character_bytes(const char *at)
     return too_long || too_large || !continues(2) || !continues(3) ? 0 : 4;
 }
 
+// The only element that a name of these letters can mean; the rest of the name is not compared.
+const element_name &element_like(char first, char second, char fourth)
+{
+    switch (first) {
+    case 'a':
+        return array_name;
+    case 'd':
+        if (second == 'i')
+            return dictionary_name;
+        return fourth == 'e' ? date_name : data_name;
+    case 'f':
+        return false_name;
+    case 'i':
+        return integer_name;
+    case 'k':
+        return key_name;
+    case 'p':
+        return list_name;
+    case 'r':
+        return real_name;
+    case 't':
+        return true_name;
+    default:
+        return text_name;
+    }
+}
+
+// Stops comparing at a NUL.
+bool starts_with(const char *at, const element_name &element)
+{
+    for (int index = 0; index < element.length; ++index) {
+        if (at[index] != element.name[index])
+            return false;
+    }
+    return true;
+}
+
 // Null when there is no such element.
 const element_name *element_named(const char *name, size_t length)
 {
-    for (const element_name &candidate : element_names) {
-        if (candidate.length == length && std::memcmp(candidate.name, name, length) == 0)
-            return &candidate;
+    if (length < 3)
+        return nullptr;
+    // With three letters there is one more byte behind the name, which decides nothing.
+    const element_name &found = element_like(name[0], name[1], name[3]);
+    return found.length == length && starts_with(name, found) ? &found : nullptr;
+}
+
+// Where the plain bytes that start at `at` end; `end` holds a NUL.
+char *behind_plain(char *at, const char *end)
+{
+    constexpr quint64 ones = 0x0101010101010101;
+    constexpr quint64 high_bits = ones << 7;
+    // Eight bytes at once: subtracting 1 from each sets a high bit where one was zero, i.e. where
+    // the text has a NUL, or the byte that it was compared with. A borrow can only reach bytes
+    // behind such a one.
+    while (end - at >= 8) {
+        const auto word = qFromLittleEndian<quint64>(at);
+        const quint64 tag = word ^ (ones * '<');
+        const quint64 reference = word ^ (ones * '&');
+        if ((((word - ones) | (tag - ones) | (reference - ones) | word) & high_bits) != 0)
+            break;
+        at += 8;
     }
-    return nullptr;
+    while (is_plain[uchar(*at)])
+        ++at;
+    return at;
 }
 
 class checker
@@ -135,6 +197,7 @@ private:
 
     bool check_text();
     bool check_cdata();
+    bool skip_wide_character();
     bool check_reference();
     bool check_integer();
     bool check_real();
@@ -142,11 +205,27 @@ private:
     bool check_data();
 
     void skip_space();
-    bool starts_with(const char *text, size_t length) const;
+    // Stops comparing at the NUL of the end.
+    template <size_t size> bool starts_with(const char (&text)[size]) const
+    {
+        for (size_t index = 0; index + 1 < size; ++index) {
+            if (cursor_[index] != text[index])
+                return false;
+        }
+        return true;
+    }
     bool skip_digits(int count);
     bool skip_one(char unit);
     // Moves behind the first `text`; false when there is none.
-    bool skip_behind(const char *text, size_t length);
+    template <size_t size> bool skip_behind(const char (&text)[size])
+    {
+        for (; !starts_with(text); ++cursor_) {
+            if (*cursor_ == '\0')
+                return false;
+        }
+        cursor_ += size - 1;
+        return true;
+    }
     bool count_element();
 
     char *cursor_;
@@ -154,6 +233,7 @@ private:
     qint64 elements_left_;
     qint64 tag_count_ = 0;
     bool has_cdata_ = false;
+    bool is_ascii_ = true;
     bool finished_ = false;
     int depth_ = 0;
     std::array<open_container, deepest_list_level> open_;
@@ -171,7 +251,7 @@ xml_list_extent checker::run()
     // Only then does the white space between tags become part of the parser's tree.
     if (has_cdata_ && tag_count_ > elements_left_)
         return {};
-    return {begin, cursor_, has_cdata_};
+    return {begin, cursor_, has_cdata_, is_ascii_};
 }
 
 // Leaves the cursor at the first tag of an element.
@@ -186,7 +266,7 @@ bool checker::skip_prolog()
                 return false;
         } else if (cursor_[1] != '!') {
             return true;
-        } else if (!(starts_with("<!--", 4) ? blank_comment() : skip_document_type())) {
+        } else if (!(starts_with("<!--") ? blank_comment() : skip_document_type())) {
             return false;
         }
     }
@@ -194,7 +274,7 @@ bool checker::skip_prolog()
 
 bool checker::skip_document_type()
 {
-    if (!starts_with("<!DOCTYPE", 9))
+    if (!starts_with("<!DOCTYPE"))
         return false;
     cursor_ += 9;
     while (*cursor_ != '[' && *cursor_ != '>') {
@@ -216,16 +296,16 @@ bool checker::skip_inner_document_type()
         skip_space();
         if (skip_one(']'))
             return true;
-        if (starts_with("<?", 2)) {
+        if (starts_with("<?")) {
             if (!blank_instruction())
                 return false;
-        } else if (starts_with("<!--", 4)) {
+        } else if (starts_with("<!--")) {
             if (!blank_comment())
                 return false;
-        } else if (starts_with("<!", 2)) {
-            if (!skip_behind(">", 1))
+        } else if (starts_with("<!")) {
+            if (!skip_behind(">"))
                 return false;
-        } else if (*cursor_ != '%' || !skip_behind(";", 1)) {
+        } else if (*cursor_ != '%' || !skip_behind(";")) {
             return false;
         }
     }
@@ -235,7 +315,7 @@ bool checker::blank_instruction()
 {
     char *const begin = cursor_;
     cursor_ += 2;
-    if (!skip_behind("?>", 2))
+    if (!skip_behind("?>"))
         return false;
     std::memset(begin, ' ', size_t(cursor_ - begin));
     return true;
@@ -244,10 +324,10 @@ bool checker::blank_instruction()
 bool checker::blank_comment()
 {
     char *const begin = cursor_;
-    if (!starts_with("<!--", 4))
+    if (!starts_with("<!--"))
         return false;
     cursor_ += 4;
-    if (!skip_behind("-->", 3))
+    if (!skip_behind("-->"))
         return false;
     std::memset(begin, ' ', size_t(cursor_ - begin));
     return true;
@@ -298,17 +378,17 @@ const element_name *checker::read_start_tag(bool *is_empty)
     while (!is_space(*name_end) && *name_end != '/' && *name_end != '>' && *name_end != '\0')
         ++name_end;
     cursor_ = name_end;
-    // A tag ends at its first ">", even at one inside an attribute.
     if (is_space(*cursor_)) {
-        if (!skip_behind(">", 1))
+        // A tag ends at its first ">", even at one inside an attribute.
+        if (!skip_behind(">"))
             return nullptr;
+        *is_empty = cursor_[-2] == '/';
+        std::memset(name_end, ' ', size_t(cursor_ - name_end - (*is_empty ? 2 : 1)));
     } else {
-        skip_one('/');
+        *is_empty = skip_one('/');
         if (!skip_one('>'))
             return nullptr;
     }
-    *is_empty = cursor_[-2] == '/';
-    std::memset(name_end, ' ', size_t(cursor_ - name_end - (*is_empty ? 2 : 1)));
     return element_named(name, size_t(name_end - name));
 }
 
@@ -348,10 +428,10 @@ bool checker::check_leaf(const element_name &found, bool is_empty)
 
 bool checker::close_element(const element_name &found)
 {
-    if (!starts_with("</", 2))
+    if (!starts_with("</"))
         return false;
     cursor_ += 2;
-    if (!starts_with(found.name, found.length))
+    if (!platform::starts_with(cursor_, found))
         return false;
     cursor_ += found.length;
     skip_space();
@@ -405,8 +485,7 @@ bool checker::accept_value(element kind)
 bool checker::check_text()
 {
     for (;;) {
-        while (is_plain[uchar(*cursor_)])
-            ++cursor_;
+        cursor_ = behind_plain(cursor_, end_);
         if (*cursor_ == '<') {
             if (cursor_[1] != '!')
                 return true;
@@ -416,26 +495,31 @@ bool checker::check_text()
             if (!check_reference())
                 return false;
         } else {
-            const int bytes = wide_character_bytes(cursor_);
-            if (bytes == 0)
+            if (!skip_wide_character())
                 return false;
-            cursor_ += bytes;
         }
     }
 }
 
+bool checker::skip_wide_character()
+{
+    const int bytes = wide_character_bytes(cursor_);
+    cursor_ += bytes;
+    is_ascii_ = false;
+    return bytes > 0;
+}
+
 bool checker::check_cdata()
 {
-    if (!starts_with("<![CDATA[", 9) || !count_element())
+    if (!starts_with("<![CDATA[") || !count_element())
         return false;
     has_cdata_ = true;
     cursor_ += 9;
-    while (!starts_with("]]>", 3)) {
-        const bool is_ascii = uchar(*cursor_) < 0x80 && *cursor_ != '\0';
-        const int bytes = is_ascii ? 1 : wide_character_bytes(cursor_);
-        if (bytes == 0)
+    while (!starts_with("]]>")) {
+        if (*cursor_ != '\0' && uchar(*cursor_) < 0x80)
+            ++cursor_;
+        else if (!skip_wide_character())
             return false;
-        cursor_ += bytes;
     }
     cursor_ += 3;
     return true;
@@ -443,14 +527,11 @@ bool checker::check_cdata()
 
 bool checker::check_reference()
 {
-    for (const char *known : {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"}) {
-        const size_t length = std::strlen(known);
-        if (starts_with(known, length)) {
-            cursor_ += length;
-            return true;
-        }
+    if (starts_with("&amp;") || starts_with("&lt;") || starts_with("&gt;") ||
+        starts_with("&quot;") || starts_with("&apos;")) {
+        return skip_behind(";");
     }
-    if (!starts_with("&#", 2))
+    if (!starts_with("&#"))
         return false;
     cursor_ += 2;
     const uint base = skip_one('x') ? 16 : 10;
@@ -464,6 +545,7 @@ bool checker::check_reference()
             return false;
     }
     ++cursor_;
+    is_ascii_ = is_ascii_ && code_point < 0x80;
     // A NUL, which "&#;" would be too, and half a surrogate pair are no characters.
     return code_point != 0 && (code_point < 0xd800 || code_point > 0xdfff);
 }
@@ -534,11 +616,6 @@ void checker::skip_space()
         ++cursor_;
 }
 
-bool checker::starts_with(const char *text, size_t length) const
-{
-    return std::strncmp(cursor_, text, length) == 0;
-}
-
 bool checker::skip_digits(int count)
 {
     for (int index = 0; index < count; ++index) {
@@ -554,17 +631,6 @@ bool checker::skip_one(char unit)
     if (*cursor_ != unit)
         return false;
     ++cursor_;
-    return true;
-}
-
-bool checker::skip_behind(const char *text, size_t length)
-{
-    while (!starts_with(text, length)) {
-        if (*cursor_ == '\0')
-            return false;
-        ++cursor_;
-    }
-    cursor_ += length;
     return true;
 }
 

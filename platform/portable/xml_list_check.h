@@ -13,6 +13,8 @@ struct xml_list_extent
     char *end = nullptr;
     // Whether CDATA sections occur, i.e. one text may be in several pieces.
     bool has_cdata = false;
+    // Whether all texts are of ASCII only.
+    bool is_ascii = true;
 };
 
 // Checks [begin, end), UTF-8 without a byte-order mark; *end has to be a NUL. Overwrites with

@@ -7,6 +7,7 @@
 #include "xml_list_encoding.h"
 
 #include <QByteArray>
+#include <QLatin1String>
 
 #include <cstdlib>
 #include <cstring>
@@ -70,12 +71,15 @@ QString from_utf8(const char *bytes)
 
 QString joined_text(pugi::xml_node element)
 {
-    if (!element.first_child())
-        return from_utf8(element.value());
     QByteArray pieces(element.value());
     for (const pugi::xml_node piece : element.children())
         pieces += piece.value();
     return from_utf8(pieces.constData());
+}
+
+bool is_ascii(const char *bytes, int length)
+{
+    return std::all_of(bytes, bytes + length, [](char byte) { return uchar(byte) < 0x80; });
 }
 
 // Compares piece by piece, so that a long text costs no more than the key.
@@ -129,6 +133,21 @@ value_kind kind_of(pugi::xml_node element)
     if (name[1] == 'a')
         return name[3] == 'e' ? value_kind::date : value_kind::data;
     return is_archive_reference(element) ? value_kind::absent : value_kind::dictionary;
+}
+
+bool look_up_in_place(pugi::xml_node dictionary, const QString &key, property_list_node *found)
+{
+    const QByteArray utf8_key = key.toUtf8();
+    pugi::xml_node value = back_to_element(dictionary.last_child());
+    while (value) {
+        const pugi::xml_node candidate = previous_element(value);
+        if (has_text(candidate, utf8_key.constData())) {
+            *found = from_node(value);
+            return true;
+        }
+        value = previous_element(candidate);
+    }
+    return false;
 }
 
 struct whole_number
@@ -212,19 +231,27 @@ bool xml_property_list::load(QByteArray *bytes)
     const xml_list_extent extent = check_xml_list(list.begin, list.end, largest_count);
     if (extent.begin == nullptr)
         return false;
-    const unsigned flags = extent.has_cdata ? parse_flags | pugi::parse_ws_pcdata : parse_flags;
+    is_loaded_ = true;
+    has_cdata_ = extent.has_cdata;
+    is_ascii_ = extent.is_ascii;
+    const unsigned flags = has_cdata_ ? parse_flags | pugi::parse_ws_pcdata : parse_flags;
     const pugi::xml_parse_result parsed = document_.load_buffer_inplace(
         extent.begin, size_t(extent.end - extent.begin), flags, pugi::encoding_utf8);
     if (!parsed)
         clear();
-    return parsed;
+    return is_loaded_;
 }
 
 void xml_property_list::clear()
 {
-    document_.reset();
-    last_element_ = {};
-    last_end_ = {};
+    if (is_loaded_) {
+        is_loaded_ = false;
+        document_.reset();
+        for (dictionary_index &index : indexes_)
+            index.dictionary = 0;
+        last_element_ = {};
+        last_end_ = {};
+    }
     if (!converted_.isEmpty())
         converted_ = QByteArray();
 }
@@ -244,10 +271,17 @@ QString xml_property_list::class_name(property_list_node node) const
     return foundation_class_name(kind(node));
 }
 
+QString xml_property_list::text_of(pugi::xml_node element) const
+{
+    if (has_cdata_ && element.first_child())
+        return joined_text(element);
+    return is_ascii_ ? QString::fromLatin1(element.value()) : from_utf8(element.value());
+}
+
 QString xml_property_list::text(property_list_node node) const
 {
     const pugi::xml_node element = to_node(node);
-    return kind_of(element) == value_kind::text ? joined_text(element) : QString();
+    return kind_of(element) == value_kind::text ? text_of(element) : QString();
 }
 
 double xml_property_list::double_value(property_list_node node) const
@@ -255,7 +289,7 @@ double xml_property_list::double_value(property_list_node node) const
     const pugi::xml_node element = to_node(node);
     switch (kind_of(element)) {
     case value_kind::text:
-        return support::leading_double(joined_text(element));
+        return support::leading_double(text_of(element));
     case value_kind::boolean:
         return element.name()[0] == 't' ? 1 : 0;
     case value_kind::number:
@@ -315,21 +349,63 @@ int xml_property_list::count(property_list_node node) const
     return count;
 }
 
+bool xml_property_list::read_entries(pugi::xml_node dictionary,
+                                     std::vector<dictionary_entry> *entries) const
+{
+    entries->clear();
+    const auto next = [this](pugi::xml_node element) {
+        return has_cdata_ ? next_element(element) : element.next_sibling();
+    };
+    pugi::xml_node key = first_element(dictionary);
+    while (property_list_node key_node = from_node(key)) {
+        if (entries->size() == largest_indexed_count)
+            return false;
+        const pugi::xml_node value = next(key);
+        dictionary_entry entry = {key.value(), 0, key_node, from_node(value)};
+        entry.key_length = static_cast<int>(std::strlen(entry.key));
+        const bool is_simple = (is_ascii_ || is_ascii(entry.key, entry.key_length)) &&
+                               !(has_cdata_ && key.first_child());
+        if (!is_simple)
+            entry.key_length = -1;
+        entries->push_back(entry);
+        key = next(value);
+    }
+    return true;
+}
+
+const xml_property_list::dictionary_index *
+xml_property_list::index_of(property_list_node dictionary) const
+{
+    for (const dictionary_index &index : indexes_) {
+        if (index.dictionary == dictionary)
+            return &index;
+    }
+    dictionary_index &index = indexes_[oldest_index_];
+    index.dictionary = 0;
+    if (!read_entries(to_node(dictionary), &index.entries))
+        return nullptr;
+    oldest_index_ = (oldest_index_ + 1) % indexes_.size();
+    index.dictionary = dictionary;
+    return &index;
+}
+
 bool xml_property_list::look_up(property_list_node dictionary, const QString &key,
                                 property_list_node *found) const
 {
-    const pugi::xml_node container = to_node(dictionary);
-    if (kind_of(container) != value_kind::dictionary)
+    if (kind_of(to_node(dictionary)) != value_kind::dictionary)
         return false;
-    const QByteArray utf8_key = key.toUtf8();
-    pugi::xml_node value = back_to_element(container.last_child());
-    while (value) {
-        const pugi::xml_node candidate = previous_element(value);
-        if (has_text(candidate, utf8_key.constData())) {
-            *found = from_node(value);
+    const dictionary_index *const index = index_of(dictionary);
+    if (index == nullptr)
+        return look_up_in_place(to_node(dictionary), key, found);
+    for (auto entry = index->entries.rbegin(); entry != index->entries.rend(); ++entry) {
+        const bool is_equal =
+            entry->key_length == key.size()
+                ? key == QLatin1String(entry->key, entry->key_length)
+                : entry->key_length < 0 && text_of(to_node(entry->key_element)) == key;
+        if (is_equal) {
+            *found = entry->value;
             return true;
         }
-        value = previous_element(candidate);
     }
     return false;
 }

@@ -5,6 +5,9 @@
 
 #include <pugixml.hpp>
 
+#include <array>
+#include <vector>
+
 namespace platform {
 
 // A node is one of the parser's nodes. The list stays in the bytes that it was loaded from: they
@@ -46,8 +49,35 @@ private:
         pugi::xml_node element;
     };
 
+    // The entries of one dictionary side by side. Their order is that of the list.
+    struct dictionary_entry
+    {
+        const char *key = nullptr; // in the list
+        int key_length = 0;        // -1 when it is not of ASCII or in pieces
+        property_list_node key_element = 0;
+        property_list_node value = 0;
+    };
+    struct dictionary_index
+    {
+        property_list_node dictionary = 0;
+        std::vector<dictionary_entry> entries;
+    };
+
+    // Null when the dictionary is too large for it.
+    [[nodiscard]] const dictionary_index *index_of(property_list_node dictionary) const;
+    bool read_entries(pugi::xml_node dictionary, std::vector<dictionary_entry> *entries) const;
+    [[nodiscard]] QString text_of(pugi::xml_node element) const;
+
     pugi::xml_document document_;
     QByteArray converted_;
+    bool is_loaded_ = false;
+    bool has_cdata_ = false;
+    bool is_ascii_ = false;
+    // Looking up a dozen keys in turn would compare most of them as often, each behind several
+    // calls into the parser. A few dictionaries at once, since the questions go back and forth
+    // between one and those inside it.
+    mutable std::array<dictionary_index, 4> indexes_;
+    mutable size_t oldest_index_ = 0;
     mutable place last_element_;
     mutable place last_end_;
 };
