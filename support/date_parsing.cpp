@@ -5,6 +5,7 @@
 #include <QDate>
 #include <QTime>
 
+#include <algorithm>
 #include <ctime>
 
 namespace support {
@@ -157,6 +158,15 @@ private:
     bool counts_to_12_ = false;
 };
 
+// No zone, nothing that Qt may overlook behind a NUL: refused only because local time skips it.
+bool is_plain_date_and_clock(const QString &text)
+{
+    return std::all_of(text.cbegin(), text.cend(), [](QChar sign) {
+        return (sign >= QLatin1Char('0') && sign <= QLatin1Char(':')) ||
+               QLatin1String("-T .,").contains(sign);
+    });
+}
+
 // Seconds east of UTC that this machine's clocks have at that instant.
 qint64 local_offset_at(qint64 seconds)
 {
@@ -180,6 +190,8 @@ QDateTime parse_iso_date(const QString &text)
     QDateTime parsed = QDateTime::fromString(text, Qt::ISODate);
     if (parsed.isValid() && parsed.timeSpec() != Qt::LocalTime)
         return parsed;
+    if (!parsed.isValid() && !is_plain_date_and_clock(text))
+        return {};
     // UTC has every wall clock, and each of its days starts at midnight; local time may not.
     const QLatin1String zone(text.size() == date_only_size ? "T00:00:00Z" : "Z");
     const QDateTime in_utc = QDateTime::fromString(text + zone, Qt::ISODate);

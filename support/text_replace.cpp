@@ -1,26 +1,45 @@
 #include "text_replace.h"
 
+#include <algorithm>
+
 namespace support {
 
-QString replace_every(const QString &text, QLatin1String before, QLatin1String after)
+namespace {
+
+bool starts_with(const QChar *unit, const QChar *end, QLatin1String what)
 {
-    int match = text.indexOf(before);
-    if (match < 0)
-        return text;
-    QString replaced;
-    replaced.reserve(text.size());
-    int copied = 0;
-    while (match >= 0) {
-        replaced.append(text.constData() + copied, match - copied).append(after);
-        copied = match + before.size();
-        match = text.indexOf(before, copied);
-    }
-    return replaced.append(text.constData() + copied, text.size() - copied);
+    if (end - unit < what.size())
+        return false;
+    return std::equal(what.begin(), what.end(), unit,
+                      [](char wanted, QChar found) { return QLatin1Char(wanted) == found; });
 }
 
-QString remove_every(const QString &text, QLatin1String what)
+} // namespace
+
+void replace_every(QString *text, QLatin1String before, QLatin1String after)
 {
-    return replace_every(text, what, QLatin1String(""));
+    if (before.isEmpty() || after.size() > before.size()) {
+        text->replace(before, after);
+        return;
+    }
+    const QChar *unread = text->data();
+    const QChar *end = unread + text->size();
+    QChar *written = text->data();
+    while (unread != end) {
+        if (starts_with(unread, end, before)) {
+            for (const char sign : after)
+                *written++ = QLatin1Char(sign);
+            unread += before.size();
+        } else {
+            *written++ = *unread++;
+        }
+    }
+    text->resize(static_cast<int>(written - text->data()));
+}
+
+void remove_every(QString *text, QLatin1String what)
+{
+    replace_every(text, what, QLatin1String(""));
 }
 
 } // namespace support

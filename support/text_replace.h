@@ -8,10 +8,10 @@
 
 namespace support {
 
-// What QString::replace(before, after) gives: matches are found from left to right and do not
-// overlap, letter case counts, and text that comes together by a replacement is not looked at
-// again. `before` must not be empty.
-[[nodiscard]] QString replace_every(const QString &text, QLatin1String before, QLatin1String after);
-[[nodiscard]] QString remove_every(const QString &text, QLatin1String what);
+// Does to `text` what QString::replace(before, after) does: matches are found from left to right
+// and do not overlap, letter case counts, and what comes together by a replacement is not looked at
+// again. `before` must not be empty; one pass holds for an `after` that is not longer.
+void replace_every(QString *text, QLatin1String before, QLatin1String after);
+void remove_every(QString *text, QLatin1String what);
 
 } // namespace support

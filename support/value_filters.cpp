@@ -23,7 +23,9 @@ QString value_in_braces(const QString &text)
 {
     QString value =
         second_piece(second_piece(text.trimmed(), QLatin1String("]>{")), QLatin1String("="));
-    value.chop(1); // the closing brace
+    value.chop(1); // the closing brace; in a text without one, a character whole
+    if (!value.isEmpty() && value.at(value.size() - 1).isHighSurrogate())
+        value.chop(1);
     return value.trimmed();
 }
 
@@ -65,15 +67,15 @@ QString plugin_static_function::get_filtered_wherefrom_value(QString text)
     if (text.isEmpty())
         return {};
     text.remove(QLatin1Char('\n'));
-    text = support::remove_every(text, QLatin1String("  "));
-    text = support::remove_every(text, QLatin1String("(\""));
-    text = support::remove_every(text, QLatin1String("\")"));
-    text = support::replace_every(text, QLatin1String("\","), QLatin1String(";"));
+    support::remove_every(&text, QLatin1String("  "));
+    support::remove_every(&text, QLatin1String("(\""));
+    support::remove_every(&text, QLatin1String("\")"));
+    support::replace_every(&text, QLatin1String("\","), QLatin1String(";"));
     text.replace(QLatin1Char(','), QLatin1Char('\n'));
     text.replace(QLatin1Char('<'), QLatin1Char('('));
     text.replace(QLatin1Char('>'), QLatin1Char(')'));
     text.remove(QLatin1Char('"'));
-    text = support::replace_every(text, QLatin1String("\\U2019s"), QLatin1String("'s"));
+    support::replace_every(&text, QLatin1String("\\U2019s"), QLatin1String("'s"));
     return through_8_bit(text).trimmed();
 }
 
@@ -84,12 +86,16 @@ QString plugin_static_function::get_filtered_string_value(QString text)
         return {};
     QString values;
     values.reserve(text.size() + 1);
-    for (QString piece : text.split(QLatin1Char(','))) {
+    for (int start = 0; start <= text.size();) {
         if (bool_cancel_extraction)
             return {};
+        const int comma = text.indexOf(QLatin1Char(','), start);
+        const int end = comma < 0 ? text.size() : comma;
+        QString piece = text.mid(start, end - start);
         piece.remove(QLatin1Char('(')).remove(QLatin1Char(')')).remove(QLatin1Char('"'));
         values += piece.trimmed();
         values += QLatin1Char(';');
+        start = end + 1;
     }
     values.chop(1);
     return values;
