@@ -175,7 +175,7 @@ def main() -> int:
         problems = run_seed(os.path.abspath(arguments.host), seed, tabs, base)
         failed += bool(problems)
         for problem in problems:
-            print(f"seed {seed}: {problem[:LONGEST_PROBLEM]}")
+            print(f"seed {seed}: {problem[:LONGEST_PROBLEM]}", flush=True)
         if problems and arguments.keep:
             print(f"seed {seed}: kept in {base}")
         else:
