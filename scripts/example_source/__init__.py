@@ -1,0 +1,1 @@
+"""The parts of the invented macOS source, one kind of file each."""
