@@ -81,8 +81,8 @@ AMELIA_TRANSFERS = [
         item(FILE, "/srv/backup/dump 2020-05.sql.gz", "~/Downloads/web/dump 2020-05.sql.gz",
              "48211904", "1588291200000", "600"),
         item(FILE, "/srv/www/logo.svg", "~/Downloads/web/logo.svg",
-             "121", "1588204800000", "644"),
-    ], "1589021500222", "48212025", "48212025")),
+             "118", "1588204800000", "644"),
+    ], "1589021500222", "48212022", "48212022")),
     ("Museum pictures", as_xml, transfer("upload", MUSEUM, [
         item(FILE, "/remote.php/webdav/Catalogue 2020/Harbour at dusk.jpg",
              "~/Pictures/Museum shots/Harbour at dusk.jpg", duplicate=""),
