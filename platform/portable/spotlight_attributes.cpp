@@ -51,7 +51,7 @@ std::optional<spotlight_value> spotlight_attributes::value(const QString &public
         const qint64 *number = flags ? std::get_if<qint64>(&*flags) : nullptr;
         if (number == nullptr)
             return std::nullopt;
-        return spotlight_value((*number & invisible_flag) != 0);
+        return std::optional<spotlight_value>(std::in_place, (*number & invisible_flag) != 0);
     }
     const auto same = stored(name);
     return same ? same : stored('_' + name);

@@ -68,7 +68,7 @@ std::optional<spotlight_value> list_value(spotlight_list list)
 {
     if (list.empty())
         return std::nullopt;
-    return spotlight_value(std::move(list));
+    return std::optional<spotlight_value>(std::in_place, std::move(list));
 }
 
 std::optional<spotlight_value> from_varints(const spotlight_attribute_type &type,
@@ -202,7 +202,7 @@ std::optional<spotlight_value> spotlight_value_decoder::text(std::string_view ut
 {
     if (!afford(utf8.size()))
         return std::nullopt;
-    return spotlight_value(text_from_utf8(utf8));
+    return std::optional<spotlight_value>(std::in_place, text_from_utf8(utf8));
 }
 
 // A list that is too long is left out as a whole: a part of it would be another value.
