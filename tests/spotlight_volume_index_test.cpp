@@ -1,4 +1,5 @@
 #include "platform/portable/spotlight_volume_index.h"
+#include "platform/spotlight_item.h"
 
 #include "support/printing.h"
 #include "support/spotlight_shown.h"
@@ -232,6 +233,31 @@ TEST_F(spotlight_volume_index_test, stays_inside_the_source)
               0);
     index = std::make_unique<spotlight_volume_index>(root);
     EXPECT_EQ(comment(a_txt), QStringLiteral("none"));
+}
+
+TEST_F(spotlight_volume_index_test, comes_first_and_is_filled_up_by_other_sources)
+{
+    put_store(own_store, "x");
+    write(QStringLiteral("Users/alice/A.TXT"), "12345");
+    const auto catalog = platform::make_spotlight_catalog(root + QLatin1Char('/'));
+    EXPECT_EQ(catalog->take_notes(), QStringList());
+    const auto item = catalog->item(root + QStringLiteral("/Users/alice/A.TXT"));
+    ASSERT_NE(item, nullptr);
+    const struct
+    {
+        const char *name;
+        const char *part;
+    } rows[] = {{"kMDItemComment", "\"x\""},
+                {"kMDItemFSName", "\"a.txt\""}, // as in the index
+                {"kMDItemFSSize", "+5,"}};      // not in the index
+    for (const auto &row : rows) {
+        const auto found = item->attribute(QString::fromLatin1(row.name));
+        ASSERT_TRUE(found) << row.name;
+        EXPECT_TRUE(found->text.contains(QLatin1String(row.part))) << qPrintable(found->text);
+    }
+    EXPECT_FALSE(item->attribute(QStringLiteral("kMDItemUsedDates")));
+    EXPECT_TRUE(catalog->take_notes().contains(
+        QStringLiteral("/.Spotlight-V100/Store-V2/A: Spotlight index with 5 records")));
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "apple_double_companions.h"
 #include "extended_attributes.h"
 #include "file_system_facts.h"
+#include "volume_index_source.h"
 
 #include <QFile>
 
@@ -82,6 +83,7 @@ private:
 std::unique_ptr<spotlight_catalog> make_spotlight_catalog(const QString &source_root)
 {
     std::vector<std::unique_ptr<metadata_source>> sources;
+    sources.push_back(std::make_unique<volume_index_source>(source_root));
     sources.push_back(std::make_unique<extended_attributes>());
     sources.push_back(std::make_unique<apple_double_companions>(source_root));
     sources.push_back(std::make_unique<file_system_facts>());

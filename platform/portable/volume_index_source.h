@@ -1,0 +1,24 @@
+// The index of the examined volume as a source of metadata.
+#pragma once
+
+#include "metadata_source.h"
+#include "spotlight_volume_index.h"
+
+#include <memory>
+
+namespace platform {
+
+class volume_index_source final : public metadata_source
+{
+public:
+    explicit volume_index_source(const QString &source_root);
+
+    // Never null: whether an index knows the file is found out when it is asked.
+    [[nodiscard]] std::unique_ptr<file_metadata> open(const source_file &file) override;
+    [[nodiscard]] QStringList take_notes() override;
+
+private:
+    spotlight_volume_index index_;
+};
+
+} // namespace platform
