@@ -1,5 +1,6 @@
 #include "platform/property_list.h"
 
+#include "platform/binary_list_nesting.h"
 #include "support/binary_list_builder.h"
 #include "support/printing.h"
 
@@ -410,6 +411,25 @@ TEST(binary_property_list, follows_a_cycle_only_as_far_as_it_is_asked)
     for (int depth = 0; depth < 1000; ++depth)
         value = value.value(QStringLiteral("self"));
     EXPECT_EQ(shown(value), QStringLiteral("dictionary of 1"));
+}
+
+TEST(binary_list_nesting, measures_shared_objects_once_and_cycles_as_endless)
+{
+    binary_list_builder shared(4, 2);
+    int top = shared.text("innermost");
+    for (int level = 0; level < 100; ++level)
+        top = shared.array({top, top, top});
+    const QByteArray list = shared.list(static_cast<quint64>(top));
+    EXPECT_FALSE(platform::nests_deeper(list, 101));
+    EXPECT_TRUE(platform::nests_deeper(list, 100));
+
+    binary_list_builder cycle;
+    const int key = cycle.text("a");
+    cycle.dictionary({{key, 2}});
+    cycle.array({key, 1});
+    EXPECT_TRUE(platform::nests_deeper(cycle.list(1), 1000));
+    EXPECT_FALSE(platform::nests_deeper(cycle.list(0), 1));
+    EXPECT_TRUE(platform::nests_deeper("bplist00" + QByteArray(40, '\xff'), 1000));
 }
 
 // Few bytes can name the same large text in millions of places.

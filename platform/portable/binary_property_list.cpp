@@ -1,7 +1,7 @@
 #include "binary_property_list.h"
 
 #include "class_names.h"
-#include "property_list_limits.h"
+#include "platform/property_list_limits.h"
 #include "support/foundation_numbers.h"
 
 #include <QLatin1String>

@@ -1,7 +1,7 @@
 #include "platform/property_list.h"
 
 #include "binary_property_list.h"
-#include "property_list_limits.h"
+#include "platform/property_list_limits.h"
 #include "support/evidence_file.h"
 #include "xml_property_list.h"
 

@@ -1,10 +1,10 @@
 #include "xml_property_list.h"
 
 #include "class_names.h"
-#include "property_list_limits.h"
+#include "platform/property_list_limits.h"
 #include "support/foundation_numbers.h"
-#include "xml_list_check.h"
-#include "xml_list_encoding.h"
+#include "platform/xml_list_check.h"
+#include "platform/xml_list_encoding.h"
 
 #include <QByteArray>
 #include <QLatin1String>
