@@ -5,6 +5,7 @@
 #include "platform/image_properties.h"
 #include "platform/spotlight_item.h"
 #include "support/plugin_static_function.h"
+#include "support/text_replace.h"
 
 #include <QXmlStreamWriter>
 
@@ -42,14 +43,13 @@ QString kind_of(QString description)
     return behind_equals(description, description);
 }
 
-// Removes what a printed list puts around its texts. replace() passes over the text once, where
-// remove() would move its end anew for each find.
+// Removes what a printed list puts around its texts.
 void remove_list_marks(QString *text)
 {
     text->remove(QLatin1Char('\n'));
-    text->replace(QStringLiteral("  "), QString());
-    text->replace(QStringLiteral("(\""), QString());
-    text->replace(QStringLiteral("\")"), QString());
+    support::remove_every(text, QLatin1String("  "));
+    support::remove_every(text, QLatin1String("(\""));
+    support::remove_every(text, QLatin1String("\")"));
 }
 
 QString where_from_list(QString description)
@@ -58,10 +58,10 @@ QString where_from_list(QString description)
         return description;
     QString text = percent_decoded(description);
     remove_list_marks(&text);
-    text.replace(QStringLiteral("\","), QStringLiteral(";"));
+    support::replace_every(&text, QLatin1String("\","), QLatin1String(";"));
     text.replace(QLatin1Char(','), QLatin1Char(';'));
     text.remove(QLatin1Char('"'));
-    text.replace(QStringLiteral("\\U2019s"), QStringLiteral("'s"));
+    support::replace_every(&text, QLatin1String("\\U2019s"), QLatin1String("'s"));
     text = percent_decoded(text);
     text.remove(QLatin1Char('"'));
     return text;
@@ -72,7 +72,7 @@ QString where_from_list(QString description)
 QString torrent_list(QString description)
 {
     remove_list_marks(&description);
-    description.replace(QStringLiteral("\",\""), QStringLiteral(";"));
+    support::replace_every(&description, QLatin1String("\",\""), QLatin1String(";"));
     return description.isEmpty() ? description : percent_decoded(description);
 }
 

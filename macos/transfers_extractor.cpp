@@ -3,10 +3,8 @@
 #include "transfers_extractor.h"
 
 #include "cyberduck_macos.h"
+#include "platform/file_times.h"
 #include "support/plugin_static_function.h"
-
-#include <QDateTime>
-#include <QFileInfo>
 
 namespace macos {
 
@@ -87,10 +85,10 @@ void read_remote(const property_list_value &item, item_fields *row)
 // Null when the file system does not tell.
 QString birth_time(const QString &path)
 {
-    const QDateTime born = QFileInfo(path).birthTime();
-    if (!born.isValid())
+    const auto times = platform::times_of(path);
+    if (!times || !times->born_ms)
         return {};
-    return QString::number(born.toMSecsSinceEpoch() / milliseconds_per_second);
+    return QString::number(*times->born_ms / milliseconds_per_second);
 }
 
 } // namespace

@@ -158,12 +158,15 @@ private:
     bool counts_to_12_ = false;
 };
 
-// No zone, nothing that Qt may overlook behind a NUL: refused only because local time skips it.
-bool is_plain_date_and_clock(const QString &text)
+constexpr int date_size = 10; // yyyy-MM-dd
+
+// Nothing but a clock behind the date: no zone, and nothing that Qt may overlook before a "Z".
+bool has_plain_clock(const QString &text)
 {
-    return std::all_of(text.cbegin(), text.cend(), [](QChar sign) {
+    const QStringRef clock = text.midRef(date_size);
+    return std::all_of(clock.cbegin(), clock.cend(), [](QChar sign) {
         return (sign >= QLatin1Char('0') && sign <= QLatin1Char(':')) ||
-               QLatin1String("-T .,").contains(sign);
+               QLatin1String("T .,").contains(sign);
     });
 }
 
@@ -186,14 +189,13 @@ QDateTime parse_wall_clock(const QString &text, QLatin1String pattern)
 
 QDateTime parse_iso_date(const QString &text)
 {
-    constexpr int date_only_size = 10; // yyyy-MM-dd
     QDateTime parsed = QDateTime::fromString(text, Qt::ISODate);
     if (parsed.isValid() && parsed.timeSpec() != Qt::LocalTime)
         return parsed;
-    if (!parsed.isValid() && !is_plain_date_and_clock(text))
+    if (!parsed.isValid() && !has_plain_clock(text))
         return {};
     // UTC has every wall clock, and each of its days starts at midnight; local time may not.
-    const QLatin1String zone(text.size() == date_only_size ? "T00:00:00Z" : "Z");
+    const QLatin1String zone(text.size() == date_size ? "T00:00:00Z" : "Z");
     const QDateTime in_utc = QDateTime::fromString(text + zone, Qt::ISODate);
     if (!in_utc.isValid())
         return {};

@@ -18,6 +18,8 @@ bool starts_with(const QChar *unit, const QChar *end, QLatin1String what)
 
 void replace_every(QString *text, QLatin1String before, QLatin1String after)
 {
+    if (text->isEmpty()) // a null text stays null
+        return;
     if (before.isEmpty() || after.size() > before.size()) {
         text->replace(before, after);
         return;
