@@ -4,6 +4,7 @@
 #include "cyberduck_macos.h"
 #include "platform/image_properties.h"
 #include "platform/spotlight_item.h"
+#include "support/percent_decoding.h"
 #include "support/plugin_static_function.h"
 #include "support/text_replace.h"
 
@@ -17,11 +18,6 @@ using text_filter = QString (*)(QString description);
 constexpr char notes_signature[] = "void cyberduck_macos::log_metadata_notes()";
 constexpr int significant_digits = 6;
 constexpr char search_separator[] = ";++::++;";
-
-QString percent_decoded(const QString &text)
-{
-    return QString::fromUtf8(QByteArray::fromPercentEncoding(text.toUtf8()));
-}
 
 // The part behind "=" of a description, without its quotes and brace.
 QString behind_equals(const QString &description, const QString &without_equals)
@@ -47,24 +43,21 @@ QString kind_of(QString description)
 void remove_list_marks(QString *text)
 {
     text->remove(QLatin1Char('\n'));
-    support::remove_every(text, QLatin1String("  "));
-    support::remove_every(text, QLatin1String("(\""));
-    support::remove_every(text, QLatin1String("\")"));
+    for (const char *mark : {"  ", "(\"", "\")"})
+        support::remove_every(text, QLatin1String(mark));
 }
 
 QString where_from_list(QString description)
 {
     if (description.isEmpty())
         return description;
-    QString text = percent_decoded(description);
+    QString text = support::percent_decoded(description);
     remove_list_marks(&text);
     support::replace_every(&text, QLatin1String("\","), QLatin1String(";"));
     text.replace(QLatin1Char(','), QLatin1Char(';'));
     text.remove(QLatin1Char('"'));
     support::replace_every(&text, QLatin1String("\\U2019s"), QLatin1String("'s"));
-    text = percent_decoded(text);
-    text.remove(QLatin1Char('"'));
-    return text;
+    return support::percent_decoded(text).remove(QLatin1Char('"'));
 }
 
 // Other than where_from_list: one decoding at the end, lone commas and quotes stay. File names of a
@@ -73,7 +66,7 @@ QString torrent_list(QString description)
 {
     remove_list_marks(&description);
     support::replace_every(&description, QLatin1String("\",\""), QLatin1String(";"));
-    return description.isEmpty() ? description : percent_decoded(description);
+    return description.isEmpty() ? description : support::percent_decoded(description);
 }
 
 struct attribute_field

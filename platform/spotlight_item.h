@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -41,6 +42,8 @@ public:
 };
 
 // `source_root`: folder at which the source's file system is reachable; nothing outside is read.
-[[nodiscard]] std::unique_ptr<spotlight_catalog> make_spotlight_catalog(const QString &source_root);
+// `should_stop`: asked during work that may take long, true ends it without an answer; may be null.
+[[nodiscard]] std::unique_ptr<spotlight_catalog>
+make_spotlight_catalog(const QString &source_root, std::function<bool()> should_stop = nullptr);
 
 } // namespace platform

@@ -76,7 +76,8 @@ QString plugin_static_function::get_source_count_name()
 platform::spotlight_catalog *plugin_static_function::metadata_catalog()
 {
     if (!current_catalog && !current_source_root.isEmpty())
-        current_catalog = platform::make_spotlight_catalog(current_source_root);
+        current_catalog = platform::make_spotlight_catalog(
+            current_source_root, [] { return bool_cancel_extraction.load(); });
     return current_catalog.get();
 }
 

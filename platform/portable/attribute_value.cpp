@@ -167,7 +167,8 @@ std::optional<spotlight_value> last_used_value(const QByteArray &bytes)
     const qint64 nanoseconds = qFromLittleEndian<qint64>(bytes.constData() + sizeof seconds);
     if (nanoseconds < 0 || nanoseconds >= nanoseconds_per_second)
         return std::nullopt;
-    return date_value(static_cast<double>(seconds) + static_cast<double>(nanoseconds) * 1e-9);
+    // The fraction is never shown, and added to so many seconds it could round up to the next one.
+    return date_value(static_cast<double>(seconds));
 }
 
 std::optional<spotlight_value> spotlight_attribute(const QString &name,

@@ -80,10 +80,11 @@ private:
 
 } // namespace
 
-std::unique_ptr<spotlight_catalog> make_spotlight_catalog(const QString &source_root)
+std::unique_ptr<spotlight_catalog> make_spotlight_catalog(const QString &source_root,
+                                                          std::function<bool()> should_stop)
 {
     std::vector<std::unique_ptr<metadata_source>> sources;
-    sources.push_back(std::make_unique<volume_index_source>(source_root));
+    sources.push_back(std::make_unique<volume_index_source>(source_root, std::move(should_stop)));
     sources.push_back(std::make_unique<extended_attributes>());
     sources.push_back(std::make_unique<apple_double_companions>(source_root));
     sources.push_back(std::make_unique<file_system_facts>());

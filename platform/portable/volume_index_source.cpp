@@ -32,8 +32,9 @@ private:
 
 } // namespace
 
-volume_index_source::volume_index_source(const QString &source_root)
-    : index_(source_root)
+volume_index_source::volume_index_source(const QString &source_root,
+                                         std::function<bool()> should_stop)
+    : index_(source_root, nullptr, std::move(should_stop))
 {
 }
 

@@ -4,6 +4,8 @@
 #include "metadata_source.h"
 #include "spotlight_volume_index.h"
 
+#include <functional>
+
 #include <memory>
 
 namespace platform {
@@ -11,7 +13,8 @@ namespace platform {
 class volume_index_source final : public metadata_source
 {
 public:
-    explicit volume_index_source(const QString &source_root);
+    // `should_stop`: see spotlight_volume_index.
+    volume_index_source(const QString &source_root, std::function<bool()> should_stop);
 
     // Never null: whether an index knows the file is found out when it is asked.
     [[nodiscard]] std::unique_ptr<file_metadata> open(const source_file &file) override;
