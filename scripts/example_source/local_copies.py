@@ -58,7 +58,7 @@ def write_amelia(home):
         ("com.apple.metadata:kMDItemWhereFroms", as_binary([
             "https://dav.museum.example.org/remote.php/webdav/Tender%20documents.pdf",
             "https://museum.example.org/tenders?year=2020"])),
-        ("com.apple.lastuseddate#PS", last_used(1591600000, 250000000)),
+        ("com.apple.lastuseddate#PS", last_used(1591500000, 250000000)),
         ("com.apple.metadata:kMDItemFinderComment", as_binary("Answer before July"))]))
     shots = home / "Pictures" / "Museum shots"
     write(shots / "Harbour at dusk.jpg", jpeg(position_block(">", *DUSK, "Example Camera")))
