@@ -32,7 +32,7 @@ function(add_plugin_test name)
   target_link_libraries(${name} PRIVATE cyberduck_core cyberduck_test_support cyberduck_flags)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8" TIMEOUT 300)
+    ENVIRONMENT "LC_ALL=C.UTF-8" TIMEOUT 300)
 endfunction()
 
 # add_plugin_benchmark(NAME): one Google Benchmark program from NAME.cpp.
