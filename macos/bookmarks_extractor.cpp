@@ -30,10 +30,8 @@ const extractor_profile bookmarks_profile = {
 namespace {
 
 constexpr key_field<bookmark_row> text_keys[] = {
-    {"Path", &bookmark_row::remote_path},  {"Protocol", &bookmark_row::protocol},
-    {"Nickname", &bookmark_row::nickname}, {"UUID", &bookmark_row::uuid},
-    {"Hostname", &bookmark_row::hostname}, {"Port", &bookmark_row::port},
-    {"Username", &bookmark_row::username}, {"Comment", &bookmark_row::comment},
+    {"Path", &bookmark_row::remote_path},
+    {"Nickname", &bookmark_row::nickname},
 };
 
 } // namespace
@@ -46,7 +44,7 @@ bookmark_row read_bookmark(const loaded_list &list, const path_mapper &paths)
     row.download_folder =
         paths.shown_folder(recorded_path(list.root, "Download Folder Dictionary"), list.user);
     read_texts(list.root, text_keys, &row);
-    row.access_timestamp = seconds_text(list.root, "Access Timestamp");
+    read_connection(list.root, &row);
     return row;
 }
 

@@ -1,24 +1,18 @@
 // What the bookmarks extractor adds to the shared frame: words, statement, columns, fields.
 #pragma once
 
+#include "connection_fields.h"
 #include "extractor_run.h"
 
 namespace macos {
 
 // All texts; null where the list has no such text.
-struct bookmark_row : row_origin
+struct bookmark_row : row_origin, connection_fields
 {
     QString nickname;
-    QString comment;
-    QString download_folder; // as a row shows it
-    QString hostname;
     QString remote_path;
-    QString port;
-    QString protocol;
-    QString uuid;
-    QString upload_folder; // as a row shows it
-    QString username;
-    QString access_timestamp; // seconds since 1970 UTC
+    QString download_folder; // as a row shows it
+    QString upload_folder;   // as a row shows it
 };
 
 extern const extractor_profile bookmarks_profile;
@@ -41,8 +35,7 @@ constexpr column_field<bookmark_row> bookmark_columns[] = {
     {"source_file", &bookmark_row::source_file},
     {"artifacts_relation_source_file", &bookmark_row::artifacts_relation_source_file},
     {"source_count_name", &bookmark_row::source_count_name},
-    {"os_scheme_display", &bookmark_row::os_scheme_display},
-};
+    {"os_scheme_display", &bookmark_row::os_scheme_display}};
 
 // The row of one list, without its origin.
 [[nodiscard]] bookmark_row read_bookmark(const loaded_list &list, const path_mapper &paths);

@@ -26,24 +26,6 @@ const extractor_profile history_profile = {
     "source_count_name,os_scheme_display) values (?,?,?,?,?, ?,?,?,?,?, ?,?,?)",
 };
 
-namespace {
-
-constexpr key_field<history_row> text_keys[] = {
-    {"Protocol", &history_row::protocol}, {"UUID", &history_row::uuid},
-    {"Hostname", &history_row::hostname}, {"Port", &history_row::port},
-    {"Username", &history_row::username}, {"Comment", &history_row::comment},
-};
-
-} // namespace
-
-history_row read_connection(const platform::property_list_value &list)
-{
-    history_row row;
-    read_texts(list, text_keys, &row);
-    row.access_timestamp = seconds_text(list, "Access Timestamp");
-    return row;
-}
-
 } // namespace macos
 
 void cyberduck_macos::xcode_extract_history()
@@ -52,8 +34,9 @@ void cyberduck_macos::xcode_extract_history()
     if (!run.open())
         return;
     run.read_lists(history_dir_list, [&run](const macos::loaded_list &list) {
-        macos::history_row row = macos::read_connection(list.root);
+        macos::history_row row;
         run.set_origin(list, &row);
+        macos::read_connection(list.root, &row);
         run.insert(macos::history_columns, row);
         return macos::step::done;
     });

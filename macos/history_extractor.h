@@ -1,20 +1,13 @@
 // What the history extractor adds to the shared frame: words, statement, columns, fields.
 #pragma once
 
+#include "connection_fields.h"
 #include "extractor_run.h"
 
 namespace macos {
 
-// All texts; null where the list has no such text.
-struct history_row : row_origin
+struct history_row : row_origin, connection_fields
 {
-    QString comment;
-    QString hostname;
-    QString port;
-    QString protocol;
-    QString uuid;
-    QString username;
-    QString access_timestamp; // seconds since 1970 UTC
 };
 
 extern const extractor_profile history_profile;
@@ -33,10 +26,6 @@ constexpr column_field<history_row> history_columns[] = {
     {"source_file", &history_row::source_file},
     {"artifacts_relation_source_file", &history_row::artifacts_relation_source_file},
     {"source_count_name", &history_row::source_count_name},
-    {"os_scheme_display", &history_row::os_scheme_display},
-};
-
-// The row of one list, without its origin.
-[[nodiscard]] history_row read_connection(const platform::property_list_value &list);
+    {"os_scheme_display", &history_row::os_scheme_display}};
 
 } // namespace macos

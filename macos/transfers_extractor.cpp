@@ -54,20 +54,13 @@ constexpr key_field<transfer_fields> transfer_keys[] = {
     {"Size", &transfer_fields::transfer_size},
 };
 
-constexpr key_field<transfer_fields> host_keys[] = {
-    {"Protocol", &transfer_fields::protocol}, {"UUID", &transfer_fields::uuid},
-    {"Hostname", &transfer_fields::hostname}, {"Port", &transfer_fields::port},
-    {"Username", &transfer_fields::username}, {"Comment", &transfer_fields::comment},
-};
-
 void read_host(const property_list_value &host, const QString &user, const path_mapper &paths,
-               transfer_fields *row)
+               transfer_row *row)
 {
     row->upload_path = paths.shown_folder(recorded_path(host, "Upload Folder Dictionary"), user);
     row->download_path =
         paths.shown_folder(recorded_path(host, "Download Folder Dictionary"), user);
-    read_texts(host, host_keys, row);
-    row->access_timestamp = seconds_text(host, "Access Timestamp");
+    read_connection(host, row);
 }
 
 // The remote "Size" is not among them: file_size tells of the local copy.

@@ -1,6 +1,7 @@
 // What the transfers extractor adds to the shared frame: words, statement, columns, fields.
 #pragma once
 
+#include "connection_fields.h"
 #include "extended_attributes.h"
 #include "extractor_run.h"
 
@@ -9,17 +10,10 @@ namespace macos {
 // What a transfer's list says for all of its items. All texts; null where it says nothing.
 struct transfer_fields
 {
-    QString comment;
-    QString hostname;
-    QString port;
-    QString protocol;
-    QString uuid;
-    QString username;
-    QString upload_path;      // as a row shows it
-    QString download_path;    // as a row shows it
-    QString access_timestamp; // seconds since 1970 UTC, as the two below
-    QString transfer_size;    // bytes
-    QString transfer_timestamp;
+    QString upload_path;        // as a row shows it
+    QString download_path;      // as a row shows it
+    QString transfer_size;      // bytes
+    QString transfer_timestamp; // seconds since 1970 UTC
     QString transfer_type;
     QString transfer_uuid;
 };
@@ -47,6 +41,7 @@ struct item_fields
 };
 
 struct transfer_row : row_origin,
+                      connection_fields,
                       transfer_fields,
                       item_fields,
                       struct_GLOBAL_ARTIFACT_cfstring_attributes
@@ -107,8 +102,7 @@ constexpr column_field<transfer_row> transfer_columns[] = {
     {"extended_attributes_key_value", &transfer_row::extended_attributes_key_value},
     {"extended_attributes_value_for_search", &transfer_row::extended_attributes_value_for_search},
     {"source_count_name", &transfer_row::source_count_name},
-    {"os_scheme_display", &transfer_row::os_scheme_display},
-};
+    {"os_scheme_display", &transfer_row::os_scheme_display}};
 
 static_assert(std::size(transfer_columns) == 51);
 
