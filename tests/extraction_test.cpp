@@ -11,12 +11,14 @@
 #include "support/printing.h"
 #include "support/source_builder.h"
 
+#include <QDateTime>
 #include <QFileInfo>
 #include <QSqlDatabase>
 
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <sys/xattr.h>
 
 namespace {
 
@@ -307,6 +309,65 @@ TEST_F(extraction, local_copies_stay_inside_the_source)
     }
     EXPECT_EQ(rows.at(1).value(QStringLiteral("local_path")),
               QVariant(QStringLiteral("/Users/alice/Links/outside.txt")));
+}
+
+// Two texts: eight bytes of magic, the list, the texts, the offsets and the trailer.
+QByteArray binary_list_of_two(const QByteArray &first, const QByteArray &second)
+{
+    const auto text = [](const QByteArray &value) {
+        return QByteArray("\x5f\x10", 2) + char(value.size()) + value;
+    };
+    QByteArray list = QByteArray("bplist00\xa2\x01\x02", 11) + text(first);
+    const int second_offset = list.size();
+    list += text(second);
+    const int table_offset = list.size();
+    list += QByteArray("\x08\x0b", 2) + char(second_offset);
+    list += QByteArray(6, '\0') + QByteArray("\x01\x01", 2);     // sizes of numbers
+    list += QByteArray(7, '\0') + char(3) + QByteArray(8, '\0'); // objects, top
+    return list + QByteArray(7, '\0') + char(table_offset);
+}
+
+TEST_F(extraction, attributes_of_a_local_copy_reach_columns_document_and_search_text)
+{
+    const QString copy = source.write(QStringLiteral("Users/alice/Documents/a.txt"), "12345");
+    const QByteArray froms =
+        binary_list_of_two("https://example.org/a.zip", "https://example.org/");
+    const QByteArray path = QFile::encodeName(copy);
+    if (::setxattr(path, "user.com.apple.metadata:kMDItemWhereFroms", froms, size_t(froms.size()),
+                   0) != 0)
+        GTEST_SKIP() << "the temporary folder's file system has no extended attributes";
+    ASSERT_EQ(::setxattr(path, "user.com.apple.metadata:kMDItemFinderComment", "a note", 6, 0), 0);
+    source.write(in_home(older_transfers, "a.cyberducktransfer"),
+                 transfer(item("~/Documents/a.txt")));
+    const auto adapter = source.adapter({alice});
+    adapter->macos_set_extended_attributes_list({QStringLiteral("kMDItemFinderComment"),
+                                                 QStringLiteral("kMDItemFSSize"),
+                                                 QStringLiteral("kMDItemFSName")});
+    adapter->xcode_extract_transfers();
+    const QList<QVariantMap> rows = source.rows(QStringLiteral("transfers"));
+    ASSERT_EQ(rows.size(), 1);
+    const struct
+    {
+        const char *column;
+        QVariant expected;
+    } columns[] = {
+        {"wherefrom", QStringLiteral("https://example.org/a.zip;https://example.org/")},
+        {"fs_name", QStringLiteral("a.txt")},
+        {"fs_content_change_date", QFileInfo(copy).lastModified().toSecsSinceEpoch()},
+        {"fs_node_count", QVariant()},
+        {"extended_attributes_value_for_search", QStringLiteral("a note;++::++;5")},
+        {"extended_attributes_key_value",
+         QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                        "<Extended_Attributes_XML_Header>\n"
+                        "    <Extended_Attributes_Artifact_Source_Header>\n"
+                        "        <File_Path>/Users/alice/Documents/a.txt</File_Path>\n"
+                        "        <kMDItemFinderComment>a note</kMDItemFinderComment>\n"
+                        "        <kMDItemFSSize>5</kMDItemFSSize>\n"
+                        "    </Extended_Attributes_Artifact_Source_Header>\n"
+                        "</Extended_Attributes_XML_Header>\n")},
+    };
+    for (const auto &row : columns)
+        EXPECT_EQ(rows.constFirst().value(QLatin1String(row.column)), row.expected) << row.column;
 }
 
 TEST_F(extraction, cancelling_keeps_what_was_written)
