@@ -59,6 +59,8 @@ int64_t position_of(void *userdata)
 int read_bytes(void *data, size_t size, void *userdata)
 {
     auto *const state = static_cast<reading *>(userdata);
+    if (size == 0) // asked for with no place to write to
+        return 0;
     if (size > static_cast<size_t>(max_file_bytes))
         return 1;
     const QByteArray bytes = state->file.read(state->position, static_cast<qint64>(size));

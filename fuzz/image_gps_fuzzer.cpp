@@ -1,0 +1,19 @@
+// An image of any kind, asked for its position.
+#include "platform/portable/image_gps.h"
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, size_t size)
+{
+    platform::memory_byte_source bytes(
+        QByteArray::fromRawData(reinterpret_cast<const char *>(data), int(size)));
+    const platform::gps_position position = platform::read_image_gps(bytes);
+    for (const auto &degrees : {position.latitude, position.longitude}) {
+        if (degrees && !std::isfinite(*degrees))
+            std::abort();
+    }
+    return 0;
+}
