@@ -22,6 +22,7 @@ QByteArray list_of_texts(const std::vector<QString> &texts)
 {
     binary_list_builder builder;
     std::vector<int> elements;
+    elements.reserve(texts.size());
     for (const QString &text : texts)
         elements.push_back(builder.wide_text(text));
     return builder.list(static_cast<quint64>(builder.array(elements)));

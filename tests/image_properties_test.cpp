@@ -1,5 +1,6 @@
 #include "platform/image_properties.h"
 
+#include "platform/portable/image_gps.h"
 #include "support/image_builder.h"
 #include "support/printing.h"
 
@@ -218,6 +219,43 @@ TEST_F(image_properties_test, truncated_images_never_give_another_position)
             EXPECT_DOUBLE_EQ(position.latitude.value_or(48.0 + 51.5 / 60), 48.0 + 51.5 / 60);
             EXPECT_DOUBLE_EQ(position.longitude.value_or(2.295), 2.295) << length;
         }
+    }
+}
+
+// Counts what is read of an image in memory.
+class counted_image final : public platform::byte_source
+{
+public:
+    explicit counted_image(const QByteArray &image)
+        : image_(image)
+    {
+    }
+    [[nodiscard]] qint64 size() const override { return image_.size(); }
+    [[nodiscard]] QByteArray read(qint64 offset, qint64 length) override
+    {
+        const QByteArray bytes = image_.read(offset, length);
+        bytes_read += bytes.size();
+        return bytes;
+    }
+    qint64 bytes_read = 0;
+
+private:
+    platform::memory_byte_source image_;
+};
+
+TEST(image_gps, reads_no_more_than_it_needs)
+{
+    const QByteArray picture(1024 * 1024, 'p');
+    const QByteArray block = paris().block();
+    exif_builder late = paris();
+    late.filler_bytes = picture.size();
+    heif_builder heif;
+    heif.picture = QByteArray(17 * 1024 * 1024, 'p'); // smaller ones could be metadata
+    for (const QByteArray &image : {late.block(), png_of(picture, block), heif.file(block),
+                                    jpeg(block + picture.left(60000))}) {
+        counted_image counted(image);
+        expect_paris(platform::read_image_gps(counted));
+        EXPECT_LT(counted.bytes_read, 4096);
     }
 }
 

@@ -21,7 +21,7 @@ class spotlight_catalog_test : public ::testing::Test
 protected:
     QString make_file(const QString &name, const QByteArray &content = {}) const
     {
-        const QString path = folder.filePath(name);
+        QString path = folder.filePath(name);
         EXPECT_TRUE(QDir().mkpath(path.left(path.lastIndexOf(QLatin1Char('/')))));
         QFile made(path);
         EXPECT_TRUE(made.open(QIODevice::WriteOnly));

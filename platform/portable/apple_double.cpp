@@ -17,14 +17,14 @@ constexpr quint32 version_1 = 0x00010000;
 constexpr quint32 version_2 = 0x00020000;
 
 constexpr qint64 min_file_bytes = 82; // header, two entries, Finder information
-constexpr qint64 max_file_bytes = 16 * 1024 * 1024;
+constexpr qint64 max_file_bytes = 16LL * 1024 * 1024;
 constexpr qint64 max_head_bytes = 65536; // header and attribute entries must lie in here
 
 constexpr int version_offset = 4;
 constexpr int entry_count_offset = 24;
-constexpr int entries_offset = 26;
-constexpr int entry_bytes = 12;
-constexpr int max_entries = 15;
+constexpr quint64 entries_offset = 26;
+constexpr quint64 entry_bytes = 12;
+constexpr quint64 max_entries = 15;
 constexpr quint32 finder_entry_type = 9;
 constexpr quint64 finder_info_bytes = 32;
 constexpr char finder_info_name[] = "com.apple.FinderInfo";
@@ -87,16 +87,15 @@ apple_double::apple_double(std::unique_ptr<byte_source> file)
 
 bool apple_double::read_entries(const QByteArray &head)
 {
-    const int count = number_at<quint16>(head, entry_count_offset);
-    const int table_end = entries_offset + count * entry_bytes;
-    if (count > max_entries || table_end > head.size())
+    const quint64 count = number_at<quint16>(head, entry_count_offset);
+    const quint64 table_end = entries_offset + count * entry_bytes;
+    if (count > max_entries || table_end > static_cast<quint64>(head.size()))
         return false;
-    for (int i = 0; i < count; ++i) {
-        const auto at = static_cast<quint64>(entries_offset + i * entry_bytes);
+    for (quint64 at = entries_offset; at < table_end; at += entry_bytes) {
         entries_.push_back({number_at<quint32>(head, at), number_at<quint32>(head, at + 4),
                             number_at<quint32>(head, at + 8)});
     }
-    return has_sound_entries(static_cast<quint64>(table_end));
+    return has_sound_entries(table_end);
 }
 
 bool apple_double::has_sound_entries(quint64 table_end) const

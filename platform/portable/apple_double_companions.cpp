@@ -80,7 +80,7 @@ public:
     {
         find_once();
         for (const auto &companion : companions_) {
-            const auto value = spotlight_attribute(
+            auto value = spotlight_attribute(
                 name, [&](const QByteArray &canonical) { return companion->attribute(canonical); });
             if (value)
                 return value;

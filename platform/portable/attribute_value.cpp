@@ -28,7 +28,7 @@ constexpr qint64 nanoseconds_per_second = 1'000'000'000;
 
 // A binary list can name one text many times over, so that a small value would grow without end.
 constexpr int max_list_elements = 65536;
-constexpr qint64 max_list_characters = 4 * 1024 * 1024;
+constexpr qint64 max_list_characters = 4LL * 1024 * 1024;
 
 constexpr int utf8_mib = 106;
 
@@ -84,8 +84,7 @@ std::optional<spotlight_value> value_of(const property_list_value &root)
     std::optional<spotlight_scalar> scalar = scalar_of(root);
     if (!scalar)
         return std::nullopt;
-    return std::visit([](auto &&value) { return spotlight_value(std::move(value)); },
-                      std::move(*scalar));
+    return std::visit([](auto &value) { return spotlight_value(std::move(value)); }, *scalar);
 }
 
 std::optional<spotlight_value> property_list_value_of(const QByteArray &bytes)

@@ -12,7 +12,9 @@ namespace platform {
 namespace {
 
 constexpr qint64 max_file_bytes = 512LL * 1024 * 1024;
-constexpr size_t max_metadata_bytes = 16 * 1024 * 1024;
+constexpr size_t max_metadata_bytes = size_t{16} * 1024 * 1024;
+// What the library may take in of one file, pictures included; many items can name the same bytes.
+constexpr qint64 max_handed_bytes = 256LL * 1024 * 1024;
 constexpr int max_brand_bytes = 1024; // of the box that names the brands; it holds four each
 constexpr int first_brand_offset = 8;
 constexpr int version_offset = 12; // stands between the major brand and the compatible ones
@@ -44,11 +46,14 @@ bool names_image_brand(byte_source &file)
     return false;
 }
 
-// What the library needs to read through a byte_source.
+// What the library needs to read through a byte_source. It takes in the data of every item,
+// pictures too, and may end the process when a read or a seek fails; so neither ever does, and what
+// cannot be had is zeros, which no EXIF data start with.
 struct reading
 {
     byte_source &file;
     qint64 position = 0;
+    qint64 left_bytes = max_handed_bytes;
 };
 
 int64_t position_of(void *userdata)
@@ -61,30 +66,32 @@ int read_bytes(void *data, size_t size, void *userdata)
     auto *const state = static_cast<reading *>(userdata);
     if (size == 0) // asked for with no place to write to
         return 0;
-    if (size > static_cast<size_t>(max_file_bytes))
-        return 1;
-    const QByteArray bytes = state->file.read(state->position, static_cast<qint64>(size));
-    if (static_cast<size_t>(bytes.size()) != size)
-        return 1;
-    std::memcpy(data, bytes.constData(), size);
-    state->position += static_cast<qint64>(size);
+    const auto length = static_cast<qint64>(size);
+    // Larger data are a picture's.
+    const QByteArray bytes =
+        size <= max_metadata_bytes ? state->file.read(state->position, length) : QByteArray();
+    if (bytes.size() == length)
+        std::memcpy(data, bytes.constData(), size);
+    else
+        std::memset(data, 0, size);
+    state->position += length;
+    state->left_bytes -= length;
     return 0;
 }
 
 int seek_to(int64_t position, void *userdata)
 {
-    auto *const state = static_cast<reading *>(userdata);
-    if (position < 0 || position > state->file.size())
-        return 1;
-    state->position = position;
+    static_cast<reading *>(userdata)->position = position;
     return 0;
 }
 
+// The one way of refusing that the library copes with.
 heif_reader_grow_status wait_for_size(int64_t target_size, void *userdata)
 {
     const auto *const state = static_cast<const reading *>(userdata);
-    return target_size <= state->file.size() ? heif_reader_grow_status_size_reached
-                                             : heif_reader_grow_status_size_beyond_eof;
+    return target_size <= state->file.size() && state->left_bytes > 0
+               ? heif_reader_grow_status_size_reached
+               : heif_reader_grow_status_size_beyond_eof;
 }
 
 struct context_deleter

@@ -140,10 +140,15 @@ inline QByteArray png_chunk(const char *type, const QByteArray &content)
 }
 
 // A PNG that has its EXIF data behind the picture.
-inline QByteArray png(const QByteArray &block)
+inline QByteArray png_of(const QByteArray &picture, const QByteArray &block)
 {
     return "\x89PNG\r\n\x1a\n" + png_chunk("IHDR", QByteArray(13, '\1')) +
-           png_chunk("IDAT", "picture") + png_chunk("eXIf", block) + png_chunk("IEND", {});
+           png_chunk("IDAT", picture) + png_chunk("eXIf", block) + png_chunk("IEND", {});
+}
+
+inline QByteArray png(const QByteArray &block)
+{
+    return png_of("picture", block);
 }
 
 inline QByteArray webp_chunk(const char *type, const QByteArray &content)
@@ -173,11 +178,11 @@ struct heif_builder
 {
     const char *major_brand = "heic";
     QByteArray prefix = be32(6) + exif_prefix(); // of the EXIF item
+    QByteArray picture = "dummy picture";
     qint64 forged_exif_length = -1;
 
     [[nodiscard]] QByteArray file(const QByteArray &block) const
     {
-        const QByteArray picture("dummy picture");
         const QByteArray exif = prefix + block;
         const QByteArray type =
             box("ftyp", QByteArray(major_brand) + be32(0) + "mif1" + major_brand);
