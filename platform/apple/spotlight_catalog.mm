@@ -1,0 +1,71 @@
+#include "platform/spotlight_item.h"
+
+#include "contained.h"
+#include "foundation_reader.h"
+
+#include <CoreServices/CoreServices.h>
+
+namespace platform {
+
+namespace {
+
+attribute_description description_of(CFTypeRef value) {
+    attribute_description description;
+    const cf_ref<CFStringRef> printed(CFCopyDescription(value));
+    if (!printed)
+        return description;
+    const char *bytes = CFStringGetCStringPtr(printed.get(), kCFStringEncodingMacRoman);
+    description.has_c_string = bytes != nullptr;
+    description.text = bytes != nullptr ? QString::fromUtf8(bytes) : text_of(printed.get());
+    return description;
+}
+
+class system_item final : public spotlight_item {
+  public:
+    explicit system_item(cf_ref<MDItemRef> item) : item_(std::move(item)) {}
+    std::optional<attribute_description> attribute(const QString &name) const override;
+
+  private:
+    cf_ref<MDItemRef> item_;
+};
+
+std::optional<attribute_description> system_item::attribute(const QString &name) const {
+    using answer = std::optional<attribute_description>;
+    return contained_in_pool(answer(), [this, &name]() -> answer {
+        const cf_ref<CFStringRef> asked = cfstring_of(name);
+        if (!asked)
+            return std::nullopt;
+        const cf_ref<CFTypeRef> value(MDItemCopyAttribute(item_.get(), asked.get()));
+        if (!value)
+            return std::nullopt;
+        return description_of(value.get());
+    });
+}
+
+// The system keeps the metadata: nothing is held between two files, and there is nothing to tell.
+class system_catalog final : public spotlight_catalog {
+  public:
+    std::unique_ptr<spotlight_item> item(const QString &path) override;
+    QStringList take_notes() override { return {}; }
+};
+
+std::unique_ptr<spotlight_item> system_catalog::item(const QString &path) {
+    using answer = std::unique_ptr<spotlight_item>;
+    return contained_in_pool(answer(), [&path]() -> answer {
+        const cf_ref<CFStringRef> name = cfstring_of(path);
+        if (!name)
+            return nullptr;
+        cf_ref<MDItemRef> item(MDItemCreate(kCFAllocatorDefault, name.get()));
+        if (!item)
+            return nullptr;
+        return std::make_unique<system_item>(std::move(item));
+    });
+}
+
+} // namespace
+
+std::unique_ptr<spotlight_catalog> make_spotlight_catalog(const QString & /*source_root*/) {
+    return std::make_unique<system_catalog>();
+}
+
+} // namespace platform

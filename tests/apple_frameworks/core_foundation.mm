@@ -1,0 +1,100 @@
+// Core Foundation's texts, numbers and descriptions on GNUstep's objects.
+#include "listed_objects.h"
+#include "stand_ins.h"
+#include "unit_text.h"
+
+#include "platform/foundation_values.h"
+#include "platform/spotlight_value.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+const CFAllocatorRef kCFAllocatorDefault = nullptr;
+
+namespace {
+
+constexpr CFTypeID boolean_type = 21;
+
+NSObject *object_of(CFTypeRef object) {
+    return static_cast<NSObject *>(const_cast<void *>(object));
+}
+
+NSString *text_of(CFTypeRef text) { return static_cast<NSString *>(object_of(text)); }
+
+bool is_boolean(NSObject *object) { return stand_ins::is_boolean_class([object class]); }
+
+// The pool is the caller's: what it releases too often dies at once, not when that one ends.
+CFStringRef handed_out(const QString &text, const char *function) {
+    const platform::release_pool pool;
+    return static_cast<CFStringRef>(stand_ins::hand_out([unit_text withText:text], function));
+}
+
+platform::spotlight_scalar scalar_of(NSObject *object) {
+    if ([object isKindOfClass:[NSDate class]])
+        return platform::spotlight_date{[static_cast<NSDate *>(object) timeIntervalSince1970]};
+    if ([object isKindOfClass:[NSString class]])
+        return stand_ins::text_of(static_cast<NSString *>(object));
+    NSNumber *number = static_cast<NSNumber *>(object);
+    if (is_boolean(number))
+        return [number boolValue] == YES;
+    const char type = *[number objCType];
+    if (type == 'd' || type == 'f')
+        return platform::spotlight_floating{[number doubleValue], type == 'f'};
+    return qint64{[number longLongValue]};
+}
+
+platform::spotlight_value value_of(NSObject *object) {
+    if (![object isKindOfClass:[NSArray class]])
+        return std::visit([](auto scalar) { return platform::spotlight_value(scalar); },
+                          scalar_of(object));
+    platform::spotlight_list list;
+    for (NSObject *element in static_cast<NSArray *>(object))
+        list.push_back(scalar_of(element));
+    return list;
+}
+
+} // namespace
+
+CFTypeID CFGetTypeID(CFTypeRef object) {
+    return is_boolean(object_of(object)) ? boolean_type : boolean_type + 1;
+}
+
+CFTypeID CFBooleanGetTypeID() { return boolean_type; }
+
+CFStringRef CFCopyDescription(CFTypeRef object) {
+    stand_ins::enter("CFCopyDescription");
+    const QString text = platform::description_text(value_of(object_of(object)));
+    return handed_out(text, "CFCopyDescription");
+}
+
+Boolean CFNumberIsFloatType(CFNumberRef number) {
+    stand_ins::enter("CFNumberIsFloatType");
+    const char type = *[static_cast<NSNumber *>(object_of(number)) objCType];
+    return type == 'd' || type == 'f';
+}
+
+CFStringRef CFStringCreateWithCharacters(CFAllocatorRef /*allocator*/, const UniChar *units,
+                                         CFIndex count) {
+    stand_ins::enter("CFStringCreateWithCharacters");
+    return handed_out(QString::fromUtf16(units, static_cast<int>(count)),
+                      "CFStringCreateWithCharacters");
+}
+
+CFIndex CFStringGetLength(CFStringRef text) {
+    stand_ins::enter("CFStringGetLength");
+    return static_cast<CFIndex>([text_of(text) length]);
+}
+
+void CFStringGetCharacters(CFStringRef text, CFRange range, UniChar *units) {
+    stand_ins::enter("CFStringGetCharacters");
+    [text_of(text) getCharacters:units
+                           range:NSMakeRange(static_cast<NSUInteger>(range.location),
+                                             static_cast<NSUInteger>(range.length))];
+}
+
+const char *CFStringGetCStringPtr(CFStringRef text, CFStringEncoding encoding) {
+    stand_ins::enter("CFStringGetCStringPtr");
+    NSString *object = text_of(text);
+    if (encoding != kCFStringEncodingMacRoman || ![object isKindOfClass:[unit_text class]])
+        return nullptr;
+    return [static_cast<unit_text *>(object) cString];
+}

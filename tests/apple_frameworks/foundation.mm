@@ -1,0 +1,56 @@
+// What Apple's Foundation does differently from GNUstep's.
+#include "listed_objects.h"
+#include "stand_ins.h"
+
+#include "platform/foundation_values.h"
+
+#include <objc/runtime.h>
+
+#include <cstdlib>
+
+// Apple's Foundation takes the zone of the process; GNUstep asks the machine's settings first.
+@interface zone_of_the_process : NSObject
+@end
+
+@implementation zone_of_the_process
++ (void)load {
+    const char *name = std::getenv("TZ");
+    if (name == nullptr)
+        return;
+    const platform::release_pool pool;
+    NSTimeZone *zone = [NSTimeZone timeZoneWithName:[NSString stringWithUTF8String:name]];
+    if (zone != nil)
+        [NSTimeZone setDefaultTimeZone:zone];
+}
+@end
+
+NSString *stand_in_string_from_class(Class shown) {
+    if (stand_ins::is_boolean_class(shown))
+        return @"__NSCFBoolean";
+    return [shown isSubclassOfClass:[NSNumber class]]
+               ? @"__NSCFNumber"
+               : [NSString stringWithUTF8String:class_getName(shown)];
+}
+
+@implementation NSDictionary (stand_in_lists)
++ (id)stand_in_dictionaryWithContentsOfFile:(NSString *)path {
+    stand_ins::enter("dictionaryWithContentsOfFile:");
+    NSData *bytes = [NSData dataWithContentsOfFile:path];
+    id list = [NSPropertyListSerialization propertyListWithData:bytes
+                                                        options:NSPropertyListImmutable
+                                                         format:nullptr
+                                                          error:nullptr];
+    return [list isKindOfClass:[NSDictionary class]] ? list : nil;
+}
+@end
+
+@implementation NSPropertyListSerialization (stand_in_lists)
++ (id)stand_in_propertyListWithData:(NSData *)bytes
+                            options:(NSPropertyListReadOptions)options
+                             format:(NSPropertyListFormat *)format
+                              error:(NSError **)error {
+    stand_ins::enter("propertyListWithData:");
+    return stand_ins::object_of_list(
+        QByteArray(static_cast<const char *>([bytes bytes]), static_cast<int>([bytes length])));
+}
+@end
