@@ -2,15 +2,15 @@
 // time and memory that a forged one can take. docs/limits.md repeats them.
 #pragma once
 
-#include "platform/property_list.h"
-
 #include <QtGlobal>
 
 #include <cstddef>
 
 namespace platform {
 
-// largest_list_bytes for a text that has to be converted to UTF-8, which can double its size.
+// A larger file is no list.
+constexpr qint64 largest_list_bytes = 32 * 1024 * 1024;
+// The same for a text that has to be converted to UTF-8, which can double its size.
 constexpr qint64 largest_converted_list_bytes = 16 * 1024 * 1024;
 // Bytes, converted text and elements of one XML list together.
 constexpr qint64 largest_list_memory_bytes = 64 * 1024 * 1024;

@@ -300,7 +300,7 @@ TEST(binary_property_list, reads_every_kind_of_value)
         {"text with a long count", binary(hexadecimal("5f1003616263")), "\"abc"},
         {"wide text", binary(hexadecimal("6300e9d83dde00")), "\"\u00e9\U0001f600"},
         {"empty array", binary(hexadecimal("a0")), "array of 0"},
-        {"dictionary", binary(hexadecimal("d10000")), "dictionary of 1"},
+        {"empty dictionary", binary(hexadecimal("d0")), "dictionary of 0"},
         {"null", binary(hexadecimal("00")), "unreadable"},
         {"identifier", binary(hexadecimal("8001")), "unreadable"},
         {"set", binary(hexadecimal("c0")), "unreadable"},

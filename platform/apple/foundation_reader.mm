@@ -116,8 +116,7 @@ bool foundation_reader::is_floating(property_list_node node) const {
 qint64 foundation_reader::integer_value(property_list_node node) const {
     if (is_floating(node))
         return support::truncated_to_int64(double_value(node));
-    return contained_in_pool(qint64{0},
-                             [node] { return qint64{[as_number(node) longLongValue]}; });
+    return contained_in_pool(qint64{0}, [node] { return qint64{[as_number(node) longLongValue]}; });
 }
 
 int foundation_reader::count(property_list_node node) const {

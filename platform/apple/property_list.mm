@@ -44,8 +44,8 @@ bool property_list::load(const QString &path) {
     implementation_->root = cf_ref<CFTypeRef>();
     // Foundation would also wait for the writer of a FIFO, and follow a link.
     if (is_safe_list_file(path))
-        implementation_->root = contained_in_pool(cf_ref<CFTypeRef>(),
-                                                  [&path] { return dictionary_of_file(path); });
+        implementation_->root =
+            contained_in_pool(cf_ref<CFTypeRef>(), [&path] { return dictionary_of_file(path); });
     return root().is(value_kind::dictionary);
 }
 

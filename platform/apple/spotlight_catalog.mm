@@ -64,7 +64,9 @@ std::unique_ptr<spotlight_item> system_catalog::item(const QString &path) {
 
 } // namespace
 
-std::unique_ptr<spotlight_catalog> make_spotlight_catalog(const QString & /*source_root*/) {
+// Neither is needed: the system reads no more than what it is asked for.
+std::unique_ptr<spotlight_catalog> make_spotlight_catalog(const QString & /*source_root*/,
+                                                          std::function<bool()> /*should_stop*/) {
     return std::make_unique<system_catalog>();
 }
 
