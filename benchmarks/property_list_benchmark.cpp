@@ -29,10 +29,13 @@ const std::vector<text_pair> &bookmark_texts()
         {"Port", "22"},
         {"Username", "alice.example"},
         {"Path", "/srv/backup/2020/projects/office"},
-        {"Comment", "nightly copy, ask before deleting; see the list in the shared folder"},
+        {"Comment",
+         "nightly copy, ask before deleting anything; the list of what may go lies in the "
+         "shared folder, and the key for the second server is kept by the office"},
         {"Access Timestamp", "1589021112345"},
         {"Transfer Connection", "Unlimited"},
         {"Encoding", "UTF-8"},
+        {"Region", "eu-central-1"},
         {"Web URL", "https://backup.office.example.org/reports/index.html"},
     };
     return texts;

@@ -8,12 +8,14 @@
 
 namespace platform {
 
+constexpr qint64 mebibyte = 1 << 20;
+
 // A larger file is no list.
-constexpr qint64 largest_list_bytes = 32 * 1024 * 1024;
+constexpr qint64 largest_list_bytes = 32 * mebibyte;
 // The same for a text that has to be converted to UTF-8, which can double its size.
-constexpr qint64 largest_converted_list_bytes = 16 * 1024 * 1024;
+constexpr qint64 largest_converted_list_bytes = 16 * mebibyte;
 // Bytes, converted text and elements of one XML list together.
-constexpr qint64 largest_list_memory_bytes = 64 * 1024 * 1024;
+constexpr qint64 largest_list_memory_bytes = 64 * mebibyte;
 // Memory that one element of an XML list takes in the parser's tree.
 constexpr qint64 xml_element_bytes = 64;
 // A dictionary of more entries gets no index; looking up a key goes through it.
@@ -30,6 +32,6 @@ constexpr quint64 largest_container_count = 1'000'000;
 constexpr quint64 largest_list_work = quint64(1) << 30;
 constexpr quint64 compared_key_work = 16;
 // A buffer larger than this is given back before the next list.
-constexpr int largest_kept_buffer_bytes = 1024 * 1024;
+constexpr int largest_kept_buffer_bytes = 1 << 20;
 
 } // namespace platform

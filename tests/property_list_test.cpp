@@ -141,6 +141,7 @@ TEST(xml_property_list, reads_every_encoding_and_form)
         {"CDATA between texts", "<string> a<![CDATA[<b>&amp;]]> c </string>", "\" a<b>&amp; c "},
         {"blanks around CDATA", "<array> <string> <![CDATA[x]]> </string> <true/> </array>",
          "array of 2"},
+        {"text of blanks around CDATA", "<string> <![CDATA[]]>\n</string>", "\" \n"},
         {"references", "<string>&lt;&#65;&#x1F600;&amp;&quot;&apos;&gt;</string>",
          "\"<A\U0001f600&\"'>"},
         {"comments and instructions", "<!-- <a> --><array><!-- & --><? b ?><true/></array><?c?>",
@@ -461,7 +462,7 @@ TEST(property_list, refuses_hostile_lists_within_the_bound_of_memory)
     const auto repeated = [](const char *piece, qint64 total_bytes) {
         return QByteArray(piece).repeated(int(total_bytes / qint64(qstrlen(piece))));
     };
-    constexpr qint64 mebibyte = 1024 * 1024;
+    constexpr qint64 mebibyte = 1 << 20;
     const QByteArray lists[] = {
         repeated("<array>", 7'000'000),
         repeated("<array>", 7'000'000) + repeated("</array>", 8'000'000),
@@ -530,9 +531,9 @@ TEST_F(property_list_file, is_regular_and_not_too_large)
     EXPECT_FALSE(list.load(QStringLiteral("/dev/zero")));
     const QString path = make_file("<dict/>");
     EXPECT_TRUE(list.load(path));
-    ASSERT_TRUE(QFile::resize(path, 32 * 1024 * 1024));
+    ASSERT_TRUE(QFile::resize(path, 32 << 20));
     EXPECT_TRUE(list.load(path));
-    ASSERT_TRUE(QFile::resize(path, 32 * 1024 * 1024 + 1));
+    ASSERT_TRUE(QFile::resize(path, (32 << 20) + 1));
     EXPECT_FALSE(list.load(path));
 }
 

@@ -175,9 +175,9 @@ binary_property_list::object binary_property_list::scalar_at(uchar marker,
     found.count = quint64(1) << (marker & 0x0f);
     if (!fits(content_offset, found.count, 1))
         return {};
-    if (found.type == integer_type && found.count <= 16)
-        found.kind = value_kind::number;
-    else if (found.type == real_type && (found.count == 4 || found.count == 8))
+    const bool is_integer = found.type == integer_type && found.count <= 16;
+    const bool is_real = found.type == real_type && (found.count == 4 || found.count == 8);
+    if (is_integer || is_real)
         found.kind = value_kind::number;
     else if (marker == date_marker)
         found.kind = value_kind::date;

@@ -19,11 +19,17 @@ namespace {
 
 // Texts stand in their element itself, not in a node of their own, unless CDATA splits them. Line
 // ends stay as they are.
-constexpr unsigned parse_flags = pugi::parse_escapes | pugi::parse_cdata |
-                                 pugi::parse_embed_pcdata | pugi::parse_ws_pcdata_single;
+constexpr unsigned parse_flags = pugi::parse_escapes | pugi::parse_cdata | pugi::parse_embed_pcdata;
+
+// What keeps a text of white space alone: the quick way drops a piece beside CDATA.
+unsigned white_space_flag(bool has_cdata)
+{
+    return has_cdata ? pugi::parse_ws_pcdata : pugi::parse_ws_pcdata_single;
+}
 
 pugi::xml_node to_node(property_list_node node)
 {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): from_node made the number of this very pointer
     return pugi::xml_node(reinterpret_cast<pugi::xml_node_struct *>(node));
 }
 
@@ -191,7 +197,7 @@ qint64 days_to_month(qint64 year, qint64 month)
 {
     // Years begin in March here, so that a leap day is the last of its year.
     qint64 months = year * 12 + month - 2;
-    const qint64 era_months = 400 * 12;
+    constexpr qint64 era_months = 4800;
     const qint64 eras = (months >= 0 ? months : months - era_months + 1) / era_months;
     months -= eras * era_months;
     const qint64 year_of_era = months / 12;
@@ -234,7 +240,7 @@ bool xml_property_list::load(QByteArray *bytes)
     is_loaded_ = true;
     has_cdata_ = extent.has_cdata;
     is_ascii_ = extent.is_ascii;
-    const unsigned flags = has_cdata_ ? parse_flags | pugi::parse_ws_pcdata : parse_flags;
+    const unsigned flags = parse_flags | white_space_flag(has_cdata_);
     const pugi::xml_parse_result parsed = document_.load_buffer_inplace(
         extent.begin, size_t(extent.end - extent.begin), flags, pugi::encoding_utf8);
     if (!parsed)
