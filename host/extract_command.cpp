@@ -7,6 +7,7 @@
 #include "plugin_library.h"
 #include "result_place.h"
 #include "run_summary.h"
+#include "support/source_boundary.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -49,21 +50,27 @@ std::optional<failure> check_source(const QString &typed)
     return std::nullopt;
 }
 
-// A home that is a link counts when it leads to a folder of the source: the system that used it
-// found its files there. One that leads out of the source is not evidence.
+// A home that is a link counts when it leads to a folder of the source, an absolute link seen from
+// the source's own root: the system that used it found its files there. One that leads out of the
+// source is not evidence.
 bool is_home(const QFileInfo &entry, const QString &root)
 {
     if (entry.fileName() == QLatin1String("Shared") ||
-        entry.fileName().startsWith(QLatin1Char('.')) || !entry.isDir())
+        entry.fileName().startsWith(QLatin1Char('.')))
         return false;
-    return !entry.isSymLink() || is_inside(entry.absoluteFilePath(), root);
+    if (!entry.isSymLink())
+        return entry.isDir();
+    const support::resolved_path place =
+        support::source_boundary(root).resolve(root + QStringLiteral("Users/") + entry.fileName());
+    return place.where == support::reach::inside && QFileInfo(place.path).isDir();
 }
 
 // Sorted by name, so that two runs on one source give the same rows in the same order.
 QList<account> accounts_on_source(const QString &root)
 {
     const QFileInfoList entries =
-        QDir(root + QStringLiteral("Users")).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot);
+        QDir(root + QStringLiteral("Users"))
+            .entryInfoList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
     QStringList names;
     for (const QFileInfo &entry : entries) {
         if (is_home(entry, root))

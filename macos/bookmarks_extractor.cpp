@@ -18,6 +18,7 @@ const extractor_profile bookmarks_profile = {
         false,
         "[extract_bookmarks]",
         "",
+        "[xcode_extract_bookmarks] commit ------FAILED------",
         "[xcode_extract_bookmarks] end",
     },
     ".duck",

@@ -2,9 +2,16 @@
 
 #include "support/plugin_static_function.h"
 
+namespace {
+
+constexpr int most_known_copies = 16384; // about 1 KB each
+
+} // namespace
+
 cyberduck_macos::cyberduck_macos(QWidget *parent)
     : QWidget(parent)
     , extraction_timer(std::make_unique<QElapsedTimer>())
+    , known_copies_(most_known_copies)
 {
 }
 
@@ -47,6 +54,7 @@ void cyberduck_macos::macos_set_source_info(
     system_user_list.removeDuplicates();
     system_user_list.removeAll(QString());
     os_scheme_display = info.os_scheme_display;
+    plugin_static_function::set_metadata_root(fs_extraction_source_path);
 }
 
 void cyberduck_macos::macos_set_essentials()

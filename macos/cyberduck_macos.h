@@ -7,8 +7,10 @@
 #include "extractor_run.h"
 #include "platform/spotlight_item.h"
 #include "plugin/host_records.h"
+#include "support/plugin_static_function.h"
 #include "support/source_boundary.h"
 
+#include <QCache>
 #include <QElapsedTimer>
 #include <QList>
 #include <QPair>
@@ -23,8 +25,19 @@
 class plugin_helper_functions;
 
 namespace macos {
+
 struct transfer_row;
-}
+
+// What the source's file system and the metadata say of one local copy.
+struct local_copy_facts
+{
+    struct_used_date used;
+    struct_GLOBAL_ARTIFACT_cfstring_attributes attributes;
+    QString size; // bytes
+    QString born; // seconds since 1970 UTC; null when the file system does not tell
+};
+
+} // namespace macos
 
 class cyberduck_macos : public QWidget
 {
@@ -98,9 +111,16 @@ private:
     macos::step read_transfer(const macos::loaded_list &list, macos::extractor_run *run);
     void insert_item(const platform::property_list_value &item, const QString &user,
                      const macos::transfer_row &shared, macos::extractor_run *run);
-    void describe_local_copy(const QString &local_path, macos::transfer_row *row);
-    [[nodiscard]] support::resolved_path place_in_source(const QString &path);
-    [[nodiscard]] std::unique_ptr<platform::spotlight_item> metadata_of(const QString &file_path);
+    void describe_local_copy(const QString &local_path, const support::resolved_path &place,
+                             macos::transfer_row *row);
+    // What is known of the file or folder at a resolved path; remembered for a while, since a queue
+    // may name the same large folder in every item.
+    [[nodiscard]] macos::local_copy_facts facts_of(const QString &real_path);
+    [[nodiscard]] support::resolved_path place_in_source(const QString &path) const;
+    // The same for a path that is resolved already.
+    [[nodiscard]] struct_GLOBAL_ARTIFACT_cfstring_attributes
+    attributes_at(const QString &real_path) const;
+    [[nodiscard]] QPair<QString, QString> position_at(const QString &real_path) const;
     void log_metadata_notes();
 
     qint64 record_count = 0;
@@ -127,6 +147,5 @@ private:
     QStringList preferences_file_list;
 
     qint64 signal_interval_ms = 1000;
-    QString last_asked_path_;
-    support::resolved_path last_place_;
+    QCache<QString, macos::local_copy_facts> known_copies_; // by resolved path
 };

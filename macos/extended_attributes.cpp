@@ -156,50 +156,39 @@ void write_attributes(const platform::spotlight_item &item, const QStringList &n
 
 } // namespace
 
-support::resolved_path cyberduck_macos::place_in_source(const QString &path)
+support::resolved_path cyberduck_macos::place_in_source(const QString &path) const
 {
-    // The steps for one transferred file ask for the same path several times in a row.
-    if (path != last_asked_path_ || path.isNull()) {
-        last_asked_path_ = path;
-        last_place_ = path.isEmpty()
-                          ? support::resolved_path()
-                          : support::source_boundary(fs_extraction_source_path).resolve(path);
-    }
-    return last_place_;
-}
-
-std::unique_ptr<platform::spotlight_item> cyberduck_macos::metadata_of(const QString &file_path)
-{
-    const support::resolved_path place = place_in_source(file_path);
-    platform::spotlight_catalog *catalog = plugin_static_function::metadata_catalog();
-    if (place.where != support::reach::inside || catalog == nullptr)
-        return nullptr;
-    return catalog->item(place.path);
+    if (path.isEmpty())
+        return {};
+    return support::source_boundary(fs_extraction_source_path).resolve(path);
 }
 
 void cyberduck_macos::log_metadata_notes()
 {
-    platform::spotlight_catalog *catalog = plugin_static_function::metadata_catalog();
-    const QStringList notes = catalog == nullptr ? QStringList() : catalog->take_notes();
+    const QStringList notes = plugin_static_function::metadata_catalog()->take_notes();
     for (const QString &note : notes)
         plugin_static_function::app_debug(note, QLatin1String(notes_signature));
 }
 
 attributes_record cyberduck_macos::extract_cfstring_attributes(QString file_path)
 {
+    const support::resolved_path place = place_in_source(file_path);
+    return place.where == support::reach::inside ? attributes_at(place.path) : attributes_record();
+}
+
+attributes_record cyberduck_macos::attributes_at(const QString &real_path) const
+{
     attributes_record record;
-    const auto item = metadata_of(file_path);
+    const auto item = plugin_static_function::metadata_catalog()->item(real_path);
     if (!item)
         return record;
     for (const attribute_field &entry : attribute_fields) {
         const auto description = item->attribute(QLatin1String(entry.name));
-        if (!description)
-            continue;
-        // A text that the system does not hand out as a C string counts as empty.
-        record.*entry.field =
-            entry.filter(description->has_c_string ? description->text : QStringLiteral(""));
+        // A text that the system does not hand out as a C string counts as none.
+        if (description && description->has_c_string)
+            record.*entry.field = entry.filter(description->text);
     }
-    const QPair<QString, QString> position = extract_longi_lati_attributes(file_path);
+    const QPair<QString, QString> position = position_at(real_path);
     record.latitude = position.first;
     record.longitude = position.second;
     return record;
@@ -208,9 +197,13 @@ attributes_record cyberduck_macos::extract_cfstring_attributes(QString file_path
 QPair<QString, QString> cyberduck_macos::extract_longi_lati_attributes(QString file_path)
 {
     const support::resolved_path place = place_in_source(file_path);
-    if (place.where != support::reach::inside)
-        return {};
-    const platform::gps_position position = platform::read_gps_position(place.path);
+    return place.where == support::reach::inside ? position_at(place.path)
+                                                 : QPair<QString, QString>();
+}
+
+QPair<QString, QString> cyberduck_macos::position_at(const QString &real_path) const
+{
+    const platform::gps_position position = platform::read_gps_position(real_path);
     return {degrees_text(position.latitude, position.latitude_reference, QLatin1Char('S')),
             degrees_text(position.longitude, position.longitude_reference, QLatin1Char('W'))};
 }
@@ -226,13 +219,14 @@ QPair<QString, QString> cyberduck_macos::get_extended_attributes(QStringList fil
     xml.writeStartDocument();
     xml.writeStartElement(QStringLiteral("Extended_Attributes_XML_Header"));
     for (int i = 0; i < file_paths.size() && !cancel_extraction_flag; ++i) {
-        if (place_in_source(file_paths.at(i)).where != support::reach::inside)
+        const support::resolved_path place = place_in_source(file_paths.at(i));
+        if (place.where != support::reach::inside)
             continue;
         xml.writeStartElement(QStringLiteral("Extended_Attributes_Artifact_Source_Header"));
         xml.writeTextElement(QStringLiteral("File_Path"),
                              writable_in_xml(paths.untrimmed_display(file_paths.at(i))));
         // Without an item the element holds the path alone.
-        const auto item = metadata_of(file_paths.at(i));
+        const auto item = plugin_static_function::metadata_catalog()->item(place.path);
         if (item)
             write_attributes(*item, attribute_lists.value(i), &xml, &search_text);
         xml.writeEndElement();

@@ -78,6 +78,9 @@ void extractor_run::read_lists(const QStringList &folders,
         if (is_cancelled() || read_folder(folder, read) == step::cancelled)
             return;
     }
+    statement_.reset();
+    if (!connection_.finish())
+        log(profile_.words.commit_failed, connection_.error_text());
     log(profile_.words.ends);
 }
 

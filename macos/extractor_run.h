@@ -46,6 +46,7 @@ struct extractor_words
     bool insert_failed_names_database; // the database's file name follows
     const char *insert_error;          // the error follows
     const char *insert_query;          // the statement follows
+    const char *commit_failed;         // the error follows
     const char *ends;
 };
 

@@ -18,6 +18,7 @@ const extractor_profile history_profile = {
         true,
         " --Error--",
         "Query :- ",
+        "[xcode_extract_history] commit ------FAILED------",
         "[xcode_extract_history] end",
     },
     ".duck",

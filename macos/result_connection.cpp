@@ -15,10 +15,7 @@ result_connection::result_connection(const QString &name, const QString &db_path
 
 result_connection::~result_connection()
 {
-    if (database_.isOpen()) {
-        database_.commit();
-        database_.close();
-    }
+    finish();
     database_ = QSqlDatabase(); // the name is in use as long as this handle lives
     QSqlDatabase::removeDatabase(name_);
 }
@@ -26,6 +23,15 @@ result_connection::~result_connection()
 bool result_connection::open()
 {
     return database_.open() && (database_.transaction(), true);
+}
+
+bool result_connection::finish()
+{
+    if (!database_.isOpen())
+        return true;
+    const bool committed = database_.commit();
+    database_.close();
+    return committed;
 }
 
 QString result_connection::error_text() const

@@ -31,6 +31,8 @@ public:
     // Opens the database and begins the transaction. False when it cannot be opened; then
     // error_text() tells why.
     bool open();
+    // Commits and closes; false when the rows could not be committed. Statements must be gone.
+    bool finish();
     [[nodiscard]] QString error_text() const;
     [[nodiscard]] QSqlDatabase &database() { return database_; }
 

@@ -21,6 +21,7 @@ const extractor_profile transfers_profile = {
         false,
         "[xcode_extract_transfers]",
         "",
+        "[xcode_extract_transfers] commit ------FAILED------",
         "[xcode_extract_transfers] end",
     },
     ".cyberducktransfer",
@@ -88,26 +89,39 @@ QString birth_time(const QString &path)
 
 } // namespace macos
 
-void cyberduck_macos::describe_local_copy(const QString &local_path, macos::transfer_row *row)
+macos::local_copy_facts cyberduck_macos::facts_of(const QString &real_path)
 {
-    const support::resolved_path place = place_in_source(local_path);
+    if (const macos::local_copy_facts *known = known_copies_.object(real_path))
+        return *known;
+    macos::local_copy_facts facts;
+    facts.used = plugin_static_function::extract_used_date(real_path);
+    facts.attributes = attributes_at(real_path);
+    facts.size = plugin_static_function::mining_size(real_path);
+    facts.born = macos::birth_time(real_path);
+    // What a cancellation has cut short is not the file's size.
+    if (!cancel_extraction_flag)
+        known_copies_.insert(real_path, new macos::local_copy_facts(facts));
+    return facts;
+}
+
+void cyberduck_macos::describe_local_copy(const QString &local_path,
+                                          const support::resolved_path &place,
+                                          macos::transfer_row *row)
+{
     const bool exists = place.where == support::reach::inside;
     row->file_name = local_path.mid(local_path.lastIndexOf(QLatin1Char('/')) + 1);
     row->file_exist = exists ? QStringLiteral("YES") : QStringLiteral("NO");
     row->suffix = plugin_static_function::mining_suffix(local_path);
     if (exists) {
-        const struct_used_date used = plugin_static_function::extract_used_date(place.path);
-        row->last_used_date = used.last_used_date;
-        row->used_dates = used.used_dates.join(QLatin1Char(';'));
-        row->first_date = used.first_date;
-        row->last_date = used.last_date;
-        static_cast<struct_GLOBAL_ARTIFACT_cfstring_attributes &>(*row) =
-            extract_cfstring_attributes(local_path);
-        row->file_size = plugin_static_function::mining_size(place.path);
+        const macos::local_copy_facts facts = facts_of(place.path);
+        row->last_used_date = facts.used.last_used_date;
+        row->used_dates = facts.used.used_dates.join(QLatin1Char(';'));
+        row->first_date = facts.used.first_date;
+        row->last_date = facts.used.last_date;
+        static_cast<struct_GLOBAL_ARTIFACT_cfstring_attributes &>(*row) = facts.attributes;
+        row->file_size = facts.size;
+        row->date_of_adding = row->date_added.isEmpty() ? facts.born : row->date_added;
     }
-    row->date_of_adding = row->date_added;
-    if (row->date_of_adding.isEmpty() && exists)
-        row->date_of_adding = macos::birth_time(place.path);
     const QPair<QString, QString> selected =
         get_extended_attributes({local_path}, {extended_attributes_list});
     row->extended_attributes_value_for_search = selected.first;
@@ -152,22 +166,25 @@ void cyberduck_macos::insert_item(const platform::property_list_value &item, con
     const QString recorded = macos::recorded_path(item, "Local Dictionary");
     const QString local_path =
         recorded.isNull() ? QString() : run->paths().reachable(recorded, user);
-    if (place_in_source(local_path).where == support::reach::outside)
+    const support::resolved_path place =
+        local_path.isEmpty() ? support::resolved_path() : run->boundary().resolve(local_path);
+    if (place.where == support::reach::outside)
         run->log(macos::transfers_profile.words.outside_source, local_path);
     row.local_path = run->paths().shown(local_path, user);
-    describe_local_copy(local_path, &row);
+    describe_local_copy(local_path, place, &row);
     run->insert(macos::transfer_columns, row);
 }
 
 void cyberduck_macos::xcode_extract_transfers()
 {
-    last_asked_path_.clear();
+    known_copies_.clear(); // files may have come or gone since the last run
     macos::extractor_run run(macos::transfers_profile, environment());
     if (!run.open())
         return;
     run.read_lists(transfers_dir_list, [this, &run](const macos::loaded_list &list) {
         return read_transfer(list, &run);
     });
+    known_copies_.clear();
     log_metadata_notes();
     plugin_static_function::release_metadata_catalog();
 }

@@ -78,9 +78,11 @@ class plugin_static_function : public QWidget {
     static void set_cancel_extraction(bool cancel);
     // "Source" and the count: "Source1".
     static QString get_source_count_name();
-    // Metadata of the current source's files; null while no source is set. Owned here, until
-    // another source is set or it is released.
+    // Metadata of the current source's files, or of any file while no source is set. Never null;
+    // owned here, until another source is set or it is released.
     static platform::spotlight_catalog *metadata_catalog();
+    // Where the source is reachable; set with the source's record.
+    static void set_metadata_root(const QString &source_root);
     static void release_metadata_catalog();
 
     static void clear_variables_haldo_and_artifact_common_source_info(

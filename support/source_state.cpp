@@ -48,8 +48,13 @@ void plugin_static_function::set_source_info(
     source_os_version_full = info.os_version_full;
     if (system_account_QList != info.system_account_QList)
         system_account_QList = info.system_account_QList;
+    set_metadata_root(info.fs_extraction_source_path);
+}
+
+void plugin_static_function::set_metadata_root(const QString &source_root)
+{
     current_catalog.reset();
-    current_source_root = info.fs_extraction_source_path;
+    current_source_root = source_root;
 }
 
 void plugin_static_function::set_desktop_info(
@@ -75,9 +80,10 @@ QString plugin_static_function::get_source_count_name()
 
 platform::spotlight_catalog *plugin_static_function::metadata_catalog()
 {
-    if (!current_catalog && !current_source_root.isEmpty())
+    if (!current_catalog)
         current_catalog = platform::make_spotlight_catalog(
-            current_source_root, [] { return bool_cancel_extraction.load(); });
+            current_source_root.isEmpty() ? QStringLiteral("/") : current_source_root,
+            [] { return bool_cancel_extraction.load(); });
     return current_catalog.get();
 }
 
