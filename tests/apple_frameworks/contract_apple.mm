@@ -4,6 +4,7 @@
 #include "listed_objects.h"
 #include "stand_ins.h"
 #include "unit_text.h"
+#include "value_objects.h"
 
 @interface changing_dictionary : NSDictionary {
     NSDictionary *first_;
@@ -32,34 +33,6 @@
 
 namespace {
 
-struct foundation_object {
-    NSObject *operator()(const QString &text) const { return [unit_text withText:text]; }
-    NSObject *operator()(qint64 number) const { return [NSNumber numberWithLongLong:number]; }
-    NSObject *operator()(const platform::spotlight_floating &number) const {
-        return [NSNumber numberWithDouble:number.value];
-    }
-    NSObject *operator()(bool value) const { return [NSNumber numberWithBool:value ? YES : NO]; }
-    NSObject *operator()(const platform::spotlight_date &date) const {
-        return [NSDate dateWithTimeIntervalSince1970:date.epoch_seconds];
-    }
-    NSObject *operator()(const platform::spotlight_list &list) const {
-        NSMutableArray *elements = [NSMutableArray array];
-        for (const platform::spotlight_scalar &scalar : list)
-            [elements addObject:std::visit(*this, scalar)];
-        return elements;
-    }
-};
-
-void set_number(NSMutableDictionary *gps, NSString *name, const std::optional<double> &value) {
-    if (value)
-        [gps setObject:[NSNumber numberWithDouble:*value] forKey:name];
-}
-
-void set_text(NSMutableDictionary *gps, NSString *name, const QString &text) {
-    if (!text.isNull())
-        [gps setObject:[unit_text withText:text] forKey:name];
-}
-
 class apple_fixture final : public contract_fixture {
   public:
     apple_fixture() { stand_ins::reset(); }
@@ -82,25 +55,19 @@ class apple_fixture final : public contract_fixture {
 
     void give_attribute(const QString &path, const QString &name,
                         const platform::spotlight_value &value) override {
-        NSObject *object = std::visit(foundation_object(), value);
         stand_ins::set_attributes([unit_text withText:path],
-                                  [NSDictionary dictionaryWithObject:object
+                                  [NSDictionary dictionaryWithObject:stand_ins::object_of(value)
                                                               forKey:[unit_text withText:name]]);
     }
     void give_position(const QString &path, const platform::gps_position &position) override {
-        NSMutableDictionary *gps = [NSMutableDictionary dictionary];
-        set_number(gps, @"Latitude", position.latitude);
-        set_text(gps, @"LatitudeRef", position.latitude_reference);
-        set_number(gps, @"Longitude", position.longitude);
-        set_text(gps, @"LongitudeRef", position.longitude_reference);
         stand_ins::set_image_properties([unit_text withText:path],
-                                        [NSDictionary dictionaryWithObject:gps forKey:@"{GPS}"]);
+                                        stand_ins::properties_of(position));
     }
 
     QStringList faults() override { return stand_ins::faults(); }
 
   private:
-    const platform::release_pool pool_;
+    const stand_ins::local_pool pool_;
 };
 
 } // namespace

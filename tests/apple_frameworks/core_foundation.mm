@@ -2,9 +2,7 @@
 #include "listed_objects.h"
 #include "stand_ins.h"
 #include "unit_text.h"
-
-#include "platform/foundation_values.h"
-#include "platform/spotlight_value.h"
+#include "value_objects.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -24,32 +22,8 @@ bool is_boolean(NSObject *object) { return stand_ins::is_boolean_class([object c
 
 // The pool is the caller's: what it releases too often dies at once, not when that one ends.
 CFStringRef handed_out(const QString &text, const char *function) {
-    const platform::release_pool pool;
+    const stand_ins::local_pool pool;
     return static_cast<CFStringRef>(stand_ins::hand_out([unit_text withText:text], function));
-}
-
-platform::spotlight_scalar scalar_of(NSObject *object) {
-    if ([object isKindOfClass:[NSDate class]])
-        return platform::spotlight_date{[static_cast<NSDate *>(object) timeIntervalSince1970]};
-    if ([object isKindOfClass:[NSString class]])
-        return stand_ins::text_of(static_cast<NSString *>(object));
-    NSNumber *number = static_cast<NSNumber *>(object);
-    if (is_boolean(number))
-        return [number boolValue] == YES;
-    const char type = *[number objCType];
-    if (type == 'd' || type == 'f')
-        return platform::spotlight_floating{[number doubleValue], type == 'f'};
-    return qint64{[number longLongValue]};
-}
-
-platform::spotlight_value value_of(NSObject *object) {
-    if (![object isKindOfClass:[NSArray class]])
-        return std::visit([](auto scalar) { return platform::spotlight_value(scalar); },
-                          scalar_of(object));
-    platform::spotlight_list list;
-    for (NSObject *element in static_cast<NSArray *>(object))
-        list.push_back(scalar_of(element));
-    return list;
 }
 
 } // namespace
@@ -62,7 +36,7 @@ CFTypeID CFBooleanGetTypeID() { return boolean_type; }
 
 CFStringRef CFCopyDescription(CFTypeRef object) {
     stand_ins::enter("CFCopyDescription");
-    const QString text = platform::description_text(value_of(object_of(object)));
+    const QString text = platform::description_text(stand_ins::value_of(object_of(object)));
     return handed_out(text, "CFCopyDescription");
 }
 

@@ -2,8 +2,6 @@
 #include "listed_objects.h"
 #include "stand_ins.h"
 
-#include "platform/foundation_values.h"
-
 #include <objc/runtime.h>
 
 #include <cstdlib>
@@ -17,7 +15,7 @@
     const char *name = std::getenv("TZ");
     if (name == nullptr)
         return;
-    const platform::release_pool pool;
+    const stand_ins::local_pool pool;
     NSTimeZone *zone = [NSTimeZone timeZoneWithName:[NSString stringWithUTF8String:name]];
     if (zone != nil)
         [NSTimeZone setDefaultTimeZone:zone];

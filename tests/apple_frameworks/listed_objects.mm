@@ -1,8 +1,8 @@
 #include "listed_objects.h"
 
+#include "stand_ins.h"
 #include "unit_text.h"
 
-#include "platform/foundation_values.h"
 #include "platform/portable/binary_property_list.h"
 #include "platform/portable/xml_property_list.h"
 
@@ -31,7 +31,7 @@ NSObject *object_of(const listed_value &listed);
 NSObject *kept(NSMutableDictionary *known, id<NSCopying> key, const listed_value &listed) {
     NSObject *object = [known objectForKey:key];
     if (object == nil && !listed.value.is(value_kind::absent)) {
-        const platform::release_pool pool;
+        const stand_ins::local_pool pool;
         object = object_of(listed);
         [known setObject:object forKey:key];
     }
@@ -96,7 +96,7 @@ NSObject *kept(NSMutableDictionary *known, id<NSCopying> key, const listed_value
     return static_cast<NSUInteger>(listed_->value.count());
 }
 - (id)objectAtIndex:(NSUInteger)index {
-    const platform::release_pool pool;
+    const stand_ins::local_pool pool;
     return kept(known_, [NSNumber numberWithUnsignedLong : index],
                 { listed_->list, listed_->value.at(static_cast<int>(index)) });
 }

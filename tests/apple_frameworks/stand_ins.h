@@ -1,40 +1,34 @@
-// What a test scripts into the stand-ins for Apple's frameworks, and what they have counted.
+// What the stand-ins for Apple's frameworks answer for a file, and how they hand out objects.
 #pragma once
+
+#include "stand_in_control.h"
 
 #import <Foundation/Foundation.h>
 
-#include <QStringList>
-
-#include <string>
-
 namespace stand_ins {
 
-// Forgets scripts, counts and faults.
-void reset();
+// Not the platform's own pool: that one is tested.
+class local_pool {
+  public:
+    local_pool() = default;
+    ~local_pool() { [pool_ drain]; }
+    local_pool(const local_pool &) = delete;
+    local_pool &operator=(const local_pool &) = delete;
 
-// Spotlight attributes of the file at that path, by their public names. A file without a script has
-// no item.
+  private:
+    NSAutoreleasePool *pool_ = [[NSAutoreleasePool alloc] init];
+};
+
+// Spotlight attributes of the file at that path, by their public names.
 void set_attributes(NSString *path, NSDictionary *attributes);
 // Properties of the first picture of the file at that path.
 void set_image_properties(NSString *path, NSDictionary *properties);
-// From now on the function of that name raises an exception; null: none does.
-void raise_in(const char *function);
-// Names of the functions that raise_in knows.
-QStringList raising_functions();
+NSDictionary *attributes_of(NSString *path);
+NSDictionary *image_properties_of(NSString *path);
 
-// Objects that were created, copied or retained and not released since, and releases of what was
-// not owned; one line for each.
-QStringList faults();
-// All objects of Foundation that are alive. Caches make it grow at first use.
-int living_objects();
-
-// --- For the stand-ins themselves
-
-// At the start of each function.
+// At the start of each function that stands in.
 void enter(const char *function);
 // The object, which its caller now has to release. Null stays null.
 const void *hand_out(NSObject *object, const char *function);
-NSDictionary *attributes_of(NSString *path);
-NSDictionary *image_properties_of(NSString *path);
 
 } // namespace stand_ins

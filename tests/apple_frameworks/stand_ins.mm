@@ -4,6 +4,7 @@
 
 #include <map>
 #include <set>
+#include <vector>
 
 namespace stand_ins {
 
@@ -13,6 +14,7 @@ struct scripted_world {
     NSMutableDictionary *attributes = [[NSMutableDictionary alloc] init];
     NSMutableDictionary *image_properties = [[NSMutableDictionary alloc] init];
     std::string raising_function;
+    std::set<std::string> called;
     std::map<const void *, int> owned;
     std::map<const void *, std::string> makers;
     QStringList wrong_releases;
@@ -36,6 +38,7 @@ void reset() {
     [world().attributes removeAllObjects];
     [world().image_properties removeAllObjects];
     world().raising_function.clear();
+    world().called.clear();
     world().owned.clear();
     world().makers.clear();
     world().wrong_releases.clear();
@@ -49,8 +52,10 @@ void set_image_properties(NSString *path, NSDictionary *properties) {
     [world().image_properties setObject:properties forKey:path];
 }
 
-void raise_in(const char *function) {
-    world().raising_function = function == nullptr ? "" : function;
+void raise_in(const std::string &function) { world().raising_function = function; }
+
+std::vector<std::string> called_functions() {
+    return {world().called.cbegin(), world().called.cend()};
 }
 
 QStringList faults() {
@@ -73,6 +78,7 @@ int living_objects() {
 }
 
 void enter(const char *function) {
+    world().called.insert(function);
     if (world().raising_function == function)
         [NSException raise:@"stand-in" format:@"%s", function];
 }
