@@ -1,5 +1,7 @@
 #include "command_line.h"
 
+#include "support/visible_text.h"
+
 #include <cstdio>
 
 namespace host {
@@ -8,7 +10,7 @@ namespace {
 
 void write_line(const QString &message)
 {
-    const QByteArray line = "plugin_host: " + printable(message).toUtf8() + '\n';
+    const QByteArray line = "plugin_host: " + support::visible_text(message).toUtf8() + '\n';
     std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stderr);
     std::fflush(stderr);
 }
@@ -68,23 +70,6 @@ QStringList comma_list(const QString &text)
             parts.append(trimmed);
     }
     return parts;
-}
-
-QString printable(const QString &text)
-{
-    QString result;
-    result.reserve(text.size());
-    for (const QChar character : text) {
-        if (character == QLatin1Char('\n'))
-            result += QStringLiteral("\\n");
-        else if (character == QLatin1Char('\t'))
-            result += QStringLiteral("\\t");
-        else if (character.category() == QChar::Other_Control)
-            result += QStringLiteral("\\x%1").arg(character.unicode(), 2, 16, QLatin1Char('0'));
-        else
-            result += character;
-    }
-    return result;
 }
 
 } // namespace host

@@ -42,8 +42,4 @@ void print(const QString &text); // on standard output, as UTF-8
 // The texts of a comma list, trimmed, without empty ones.
 QStringList comma_list(const QString &text);
 
-// `text` with control characters replaced by escapes, so that it stays on its line and does not
-// steer the terminal.
-QString printable(const QString &text);
-
 } // namespace host

@@ -2,6 +2,7 @@
 
 #include "command_line.h"
 #include "result_database.h"
+#include "support/visible_text.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -49,7 +50,7 @@ QString text_summary(const QString &database, const run_result &result, const ta
     QString text;
     text += line("result:", result.cancelled ? QStringLiteral("cancelled, the rows so far are kept")
                                              : QStringLiteral("done"));
-    text += line("database:", printable(database));
+    text += line("database:", support::visible_text(database));
     text += line("records:", QString::number(result.records));
     text += line("tabs:", QString::number(result.tabs));
     text += line("seconds:", seconds_text(result.seconds));

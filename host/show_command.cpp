@@ -2,6 +2,7 @@
 
 #include "command_line.h"
 #include "result_database.h"
+#include "support/visible_text.h"
 
 #include <QCommandLineParser>
 #include <QDir>
@@ -113,7 +114,7 @@ QString cell_text(const QVariant &value)
 {
     if (!value.isValid())
         return QStringLiteral("-");
-    const QString text = printable(value.toString());
+    const QString text = support::visible_text(value.toString());
     if (text.size() <= widest_cell)
         return text;
     // In the middle: of a path both ends tell most.

@@ -2,6 +2,7 @@
 #include "plugin_static_function.h"
 
 #include "encryptor_string.h"
+#include "visible_text.h"
 
 #include <QDateTime>
 #include <QDebug>
@@ -46,13 +47,14 @@ QString engine_part(int engine_type)
     }
 }
 
+// Messages end in names and texts of the source: whatever these hold, a message is one line.
 QString log_line(const QString &message, const QString &function_info, int engine_type)
 {
     const QString time =
         QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MMM-ddThh-mm-ss"));
     return QLatin1Char('[') + time + engine_part(engine_type) +
            QLatin1String("][Artifacts Extraction][") + qualified_function_name(function_info) +
-           QLatin1String("]:-- ") + message;
+           QLatin1String("]:-- ") + support::visible_text(message);
 }
 
 } // namespace

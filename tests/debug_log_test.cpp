@@ -60,6 +60,42 @@ TEST(debug_log, lines_name_engine_and_function)
     }
 }
 
+// A file of the source may be named like this to hide or invent lines of the log.
+TEST(debug_log, no_text_breaks_or_disguises_its_line)
+{
+    const struct
+    {
+        const char *name;
+        QString text;
+        const char *expected;
+    } rows[] = {
+        {"a line of its own", QStringLiteral("a\n[2020-Jan-01T00-00-00][HALDO_BENCH]"),
+         "a\\u000a[2020-Jan-01T00-00-00][HALDO_BENCH]"},
+        {"line ends of any kind",
+         QStringLiteral("\r") + QChar(0x0b) + QChar(0x0c) + QChar(0x85) + QChar(0x2028) +
+             QChar(0x2029),
+         "\\u000d\\u000b\\u000c\\u0085\\u2028\\u2029"},
+        {"terminal commands and NUL", QStringLiteral("\x1b[2J") + QChar(0x9b) + QChar(0),
+         "\\u001b[2J\\u009b\\u0000"},
+        {"writing direction and nothing to see",
+         QString(QChar(0x202e)) + QChar(0x2066) + QChar(0x061c) + QChar(0x200b) + QChar(0xfeff),
+         "\\u202e\\u2066\\u061c\\u200b\\ufeff"},
+        {"beyond 16 bits", QString::fromUtf8("\xf3\xa0\x80\xa0\xf0\x9f\xa6\x86"),
+         "\\udb40\\udc20\xf0\x9f\xa6\x86"},
+        {"half a pair", QString(QChar(0xd800)) + QChar('x') + QChar(0xdc00), "\\ud800x\\udc00"},
+        {"backslashes only where they could mislead", QStringLiteral("c:\\x \\u000a \\\\u \\"),
+         "c:\\x \\u005cu000a \\\\u005cu \\"},
+        {"other languages", QStringLiteral("\u00e9\u65e5\u0301\t"),
+         "\xc3\xa9\xe6\x97\xa5\xcc\x81\\u0009"},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        log_capture log;
+        plugin_static_function::app_debug(row.text, QStringLiteral("f()"));
+        EXPECT_EQ(log.take_messages(), QStringList(QString::fromUtf8(row.expected)));
+    }
+}
+
 TEST(debug_log, enciphered_records_stay_enciphered_until_told_otherwise)
 {
     QTemporaryDir folder;

@@ -10,6 +10,7 @@
 #include "support/log_capture.h"
 #include "support/printing.h"
 #include "support/source_builder.h"
+#include "support/visible_text.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -120,7 +121,7 @@ TEST_F(extraction, failing_lists_cost_one_line_each_in_every_extractor)
             return in_home(row.place, folder) + QLatin1String(row.name);
         };
         const QStringList unreadable = {
-            source.write(place("broken-"), "<plist><dict><key>"),
+            source.write(place("bro\nken-"), "<plist><dict><key>"),
             source.make_folder(place("folder-")),
             source.write(place("deep/er/array-"), "<plist><array/></plist>")};
         const QString secret = source.outside(QStringLiteral("secret"));
@@ -133,7 +134,7 @@ TEST_F(extraction, failing_lists_cost_one_line_each_in_every_extractor)
 
         QStringList expected;
         for (const QString &path : unreadable)
-            expected.append(QLatin1String(row.unreadable) + path);
+            expected.append(QLatin1String(row.unreadable) + support::visible_text(path));
         expected.append(QLatin1String(row.outside) + source.root() + place("away-"));
         expected.sort();
         QStringList lines = run(row.tested);

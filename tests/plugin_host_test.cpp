@@ -269,10 +269,10 @@ TEST_F(plugin_host, shows_null_apart_from_empty_and_keeps_rows_on_their_lines)
     const QString show = QStringLiteral("show @/out --tables bookmarks --columns all");
     EXPECT_EQ(run(show).out, QStringLiteral("bookmarks: 2 rows\n"
                                             "INT  nickname  comment\n"
-                                            "1    a\\nb      -\n"
+                                            "1    a\\u000ab  -\n"
                                             "2    \"c\"\n\n"));
     EXPECT_EQ(run(show + QStringLiteral(" --limit 1 --columns nickname")).out,
-              QStringLiteral("bookmarks: 2 rows, the first 1\nnickname\na\\nb\n\n"));
+              QStringLiteral("bookmarks: 2 rows, the first 1\nnickname\na\\u000ab\n\n"));
     EXPECT_EQ(run(show + QStringLiteral(" --format csv")).out,
               QStringLiteral("INT,nickname,comment\n\"1\",\"a\nb\",\n\"2\",\"\"\"c\"\"\",\"\"\n"));
 }
