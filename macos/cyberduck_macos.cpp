@@ -126,6 +126,11 @@ void cyberduck_macos::count_row()
 
 macos::run_environment cyberduck_macos::environment()
 {
-    return {destination_db_path, fs_extraction_source_path, source_type_internal,
-            os_scheme_display,   &cancel_extraction_flag,   [this] { count_row(); }};
+    return {destination_db_path,
+            fs_extraction_source_path,
+            source_type_internal,
+            os_scheme_display,
+            &cancel_extraction_flag,
+            [this] { count_row(); },
+            [this](qint64 rows) { record_count -= rows; }};
 }

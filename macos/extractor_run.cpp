@@ -75,13 +75,27 @@ void extractor_run::read_lists(const QStringList &folders,
                                const std::function<step(const loaded_list &)> &read)
 {
     for (const QString &folder : folders) {
-        if (is_cancelled() || read_folder(folder, read) == step::cancelled)
+        if (is_cancelled() || read_folder(folder, read) == step::cancelled) {
+            close();
             return;
+        }
     }
+    close();
+    log(profile_.words.ends);
+}
+
+void extractor_run::close()
+{
     statement_.reset();
     if (!connection_.finish())
-        log(profile_.words.commit_failed, connection_.error_text());
-    log(profile_.words.ends);
+        rows_lost(connection_.error_text());
+}
+
+void extractor_run::rows_lost(const QString &error)
+{
+    log(profile_.words.commit_failed, error);
+    environment_.uncount_rows(uncommitted_rows_);
+    uncommitted_rows_ = 0;
 }
 
 step extractor_run::read_folder(const QString &folder,
@@ -136,13 +150,15 @@ step extractor_run::read_entry(const support::folder_walk &walk, const QString &
     return read({path, user, list_.root()});
 }
 
-void extractor_run::log_failed_insert() const
+void extractor_run::insert_failed()
 {
     const extractor_words &words = profile_.words;
     log(words.insert_failed,
         words.insert_failed_names_database ? environment_.database_path : QString());
     log(words.insert_error, statement_->error_text());
     log(words.insert_query, statement_->executed_query());
+    if (connection_.begin_after_loss())
+        rows_lost(statement_->error_text());
 }
 
 } // namespace macos

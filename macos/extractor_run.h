@@ -29,7 +29,8 @@ struct run_environment
     QString source_type;
     QString os_display;
     const std::atomic<bool> *cancelled = nullptr;
-    std::function<void()> count_row; // called after each inserted row
+    std::function<void()> count_row;               // called after each inserted row
+    std::function<void(qint64 rows)> uncount_rows; // of counted rows that were lost after all
 };
 
 // The words of an extractor's log lines; readers of the log know them as they are.
@@ -131,9 +132,9 @@ public:
     void insert(const column_field<Row> (&columns)[Count], const Row &row)
     {
         if (statement_->insert_row(columns, row))
-            environment_.count_row();
+            count_row();
         else
-            log_failed_insert();
+            insert_failed();
     }
 
     // One line of this extractor: the words, then the value.
@@ -145,7 +146,16 @@ private:
                     const std::function<step(const loaded_list &)> &read);
     // Where the entry is to be opened; nullopt, after a log line where one is due, when it is not.
     [[nodiscard]] std::optional<QString> openable_path(const support::folder_walk &walk) const;
-    void log_failed_insert() const;
+    void count_row()
+    {
+        ++uncommitted_rows_;
+        environment_.count_row();
+    }
+    void insert_failed();
+    // The line of a transaction that was lost; takes its rows from the count.
+    void rows_lost(const QString &error);
+    // Commits. The rows so far are kept after a cancellation, too.
+    void close();
 
     const extractor_profile &profile_;
     run_environment environment_;
@@ -154,6 +164,7 @@ private:
     result_connection connection_;
     std::optional<insert_statement> statement_; // dies before the connection
     platform::property_list list_;
+    qint64 uncommitted_rows_ = 0;
 };
 
 } // namespace macos

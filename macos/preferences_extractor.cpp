@@ -71,13 +71,25 @@ void cyberduck_macos::xcode_extract_preferences(QString plist_path, QString user
     platform::property_list list;
     if (!load_preferences(plist_path, fs_extraction_source_path, &list))
         return;
+    const qint64 committed = record_count;
+    const auto rows_lost = [this, committed](const QString &error) {
+        log_extract(QStringLiteral("[xcode_extract_preferences] commit ------FAILED------") +
+                    error);
+        record_count = committed;
+    };
     for (const preference &entry : preferences()) {
         const QString value =
             entry.render(list.root().value(QLatin1String(entry.key)), entry.codes);
-        if (!value.isNull())
-            insert_values_fun(QLatin1String(entry.label), value, connection.database(), plist_path,
-                              user_name);
+        if (value.isNull())
+            continue;
+        const qint64 before = record_count;
+        insert_values_fun(QLatin1String(entry.label), value, connection.database(), plist_path,
+                          user_name);
+        if (record_count == before && connection.begin_after_loss())
+            rows_lost(QString());
     }
+    if (!connection.finish())
+        rows_lost(connection.error_text());
     log_extract(QStringLiteral("xcode_extract_preferences Ends"));
 }
 

@@ -1,5 +1,7 @@
 #include "result_connection.h"
 
+#include "support/database_wait.h"
+
 #include <QSqlError>
 #include <QVariant>
 
@@ -22,14 +24,36 @@ result_connection::~result_connection()
 
 bool result_connection::open()
 {
-    return database_.open() && (database_.transaction(), true);
+    support::wait_as_allowed(&database_);
+    if (!database_.open())
+        return false;
+    begin();
+    return true;
+}
+
+void result_connection::begin()
+{
+    // The right to write is asked for at once, so that the wait for it is not paid by each row.
+    QSqlQuery query(database_);
+    if (!query.exec(QStringLiteral("BEGIN IMMEDIATE"))) {
+        support::note_wait(query.lastError());
+        database_.transaction(); // the lock may go while rows are still to come
+    }
+    support::set_wait(&database_, false);
+}
+
+bool result_connection::begin_after_loss()
+{
+    return database_.transaction(); // refused inside a transaction
 }
 
 bool result_connection::finish()
 {
     if (!database_.isOpen())
         return true;
+    support::set_wait(&database_, true);
     const bool committed = database_.commit();
+    support::note_wait(committed ? QSqlError() : database_.lastError());
     database_.close();
     return committed;
 }
@@ -48,6 +72,8 @@ insert_statement::insert_statement(const QSqlDatabase &database, const char *sta
 
 bool insert_statement::insert(const QString *const *values, int count)
 {
+    if (!prepared_)
+        prepared_ = query_.prepare(statement_);
     // Executing an unprepared statement would replace the error that says why it is not.
     if (!prepared_)
         return false;

@@ -18,7 +18,8 @@ template <typename Row> struct column_field
 };
 
 // A named connection with one open transaction. The destructor commits, closes and removes it, so
-// rows written so far are kept after a cancellation too.
+// rows written so far are kept after a cancellation too. Another process that holds the database
+// locked is waited for when the transaction begins and when it is committed, never for a row.
 class result_connection
 {
 public:
@@ -31,17 +32,24 @@ public:
     // Opens the database and begins the transaction. False when it cannot be opened; then
     // error_text() tells why.
     bool open();
-    // Commits and closes; false when the rows could not be committed. Statements must be gone.
+    // Commits and closes; false when the rows could not be committed and are lost. Statements must
+    // be gone.
     bool finish();
+    // After a failed insert: whether the database has given up the transaction, and with it the
+    // rows since it began, as it does on a full disk. If so, another one is open now.
+    bool begin_after_loss();
     [[nodiscard]] QString error_text() const;
     [[nodiscard]] QSqlDatabase &database() { return database_; }
 
 private:
+    void begin();
+
     QString name_;
     QSqlDatabase database_;
 };
 
-// One insert statement, prepared once for many rows. Must die before its connection.
+// One insert statement, prepared once for many rows; again as long as the database refuses that,
+// since it may be locked for a while only. Must die before its connection.
 class insert_statement
 {
 public:

@@ -5,6 +5,7 @@
 #include "result_tables.h"
 #include "schemes/cyberduck_ios_uid.h"
 #include "schemes/cyberduck_winos.h"
+#include "support/database_wait.h"
 #include "support/plugin_helper_functions.h"
 #include "support/plugin_static_function.h"
 
@@ -65,6 +66,7 @@ void cyberduck::create_db_tables()
     QSqlDatabase::removeDatabase(connection);
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
     db.setDatabaseName(destination_db_path);
+    support::wait_as_allowed(&db);
     if (!db.open()) {
         log_line(QStringLiteral("[create_db_tables]Destination Db opening for table "
                                 "creation---------FAILED---------"),
@@ -77,6 +79,7 @@ void cyberduck::create_db_tables()
                 QLatin1String(table.statement), db, connection)) {
             log_line(QStringLiteral(" table creation -----FAILED---- ") + QLatin1String(table.name),
                      tables_signature);
+            support::set_wait(&db, true); // shorter, when this statement has waited in vain
         }
     }
     db.close();

@@ -2,6 +2,8 @@
 // the operations are the words of their log lines, which readers of the log tell apart.
 #include "plugin_static_function.h"
 
+#include "database_wait.h"
+
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
@@ -105,6 +107,7 @@ std::optional<QSqlDatabase> open_connection(const QString &name, const QString &
     QSqlDatabase::removeDatabase(name);
     QSqlDatabase db = QSqlDatabase::addDatabase(QLatin1String(driver_name), name);
     db.setDatabaseName(db_path);
+    support::wait_as_allowed(&db);
     if (db.open())
         return db;
     log_failure(words, db_path, caller, QString(), db.lastError());
@@ -133,8 +136,10 @@ bool execute(const QString &command, const QStringList &values, QSqlDatabase *db
     const outcome result = run_query(&query, command, values);
     if (result == outcome::cancelled)
         return false;
-    if (result == outcome::failed)
+    if (result == outcome::failed) {
+        support::note_wait(query.lastError());
         log_failure(words, database, caller, command, query.lastError());
+    }
     query.finish();
     if (close_afterwards)
         db->close();

@@ -66,6 +66,8 @@ class plugin_static_function : public QWidget {
     static int source_count_int;
     // Set from another thread while a run goes on; long loops poll it.
     static std::atomic<bool> bool_cancel_extraction;
+    // The wait for a locked database was in vain (support/database_wait.h).
+    static bool database_wait_spent;
     static QString source_os_version_full;
     static QList<struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_system_account> system_account_QList;
 

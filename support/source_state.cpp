@@ -6,6 +6,7 @@
 int plugin_static_function::type_engine_int = -1;
 int plugin_static_function::source_count_int = -1;
 std::atomic<bool> plugin_static_function::bool_cancel_extraction{false};
+bool plugin_static_function::database_wait_spent = false;
 QString plugin_static_function::source_os_version_full;
 QList<struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_system_account>
     plugin_static_function::system_account_QList;
@@ -34,6 +35,7 @@ void plugin_static_function::set_essentials()
     type_engine_int = -1;
     source_count_int = -1;
     bool_cancel_extraction = false;
+    database_wait_spent = false;
     system_account_QList.clear();
 }
 
