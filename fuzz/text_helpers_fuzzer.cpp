@@ -1,6 +1,7 @@
 // Escaped texts, versions, lists and paths: the first byte picks helper and encoding, the rest is
 // the text.
 #include "fuzzed_text.h"
+#include "support/percent_decoding.h"
 #include "support/plugin_static_function.h"
 
 #include <iterator>
@@ -28,6 +29,13 @@ void check_escapes(const QString &text)
     require(decoded.size() <= text.size());
     require(has_lone_surrogate(text) || !has_lone_surrogate(decoded));
     require(text.contains(QLatin1String("\\U")) || decoded == text);
+}
+
+void check_percent_decoding(const QString &text)
+{
+    const QString decoded = support::percent_decoded(text);
+    require(text.contains(QLatin1Char('%')) || has_lone_surrogate(text) || decoded == text);
+    require(!has_lone_surrogate(decoded));
 }
 
 void check_version(const QString &text)
@@ -62,7 +70,8 @@ void check_size(const QString &text)
 
 using helper = void (*)(const QString &text);
 
-constexpr helper helpers[] = {check_escapes, check_version, check_lists, check_size};
+constexpr helper helpers[] = {check_escapes, check_version, check_lists, check_size,
+                              check_percent_decoding};
 
 } // namespace
 
