@@ -1,5 +1,7 @@
 #include "result_place.h"
 
+#include "support/file_names.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -28,7 +30,7 @@ void push_components(std::vector<fs::path> &pending, const fs::path &path)
 fs::path resolve(const QString &path)
 {
     std::vector<fs::path> pending; // the next component is the last
-    push_components(pending, fs::path(QFile::encodeName(path).toStdString()));
+    push_components(pending, fs::path(support::encoded_name(path).toStdString()));
     fs::path resolved = "/";
     int links = 0;
     while (!pending.empty()) {

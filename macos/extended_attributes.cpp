@@ -185,8 +185,8 @@ attributes_record cyberduck_macos::attributes_at(const QString &real_path) const
     for (const attribute_field &entry : attribute_fields) {
         const auto description = item->attribute(QLatin1String(entry.name));
         // A text that the system does not hand out as a C string counts as none.
-        if (description && description->has_c_string)
-            record.*entry.field = entry.filter(description->text);
+        if (description && !description->c_string.isNull())
+            record.*entry.field = entry.filter(description->c_string);
     }
     const QPair<QString, QString> position = position_at(real_path);
     record.latitude = position.first;

@@ -1,5 +1,6 @@
 #include "extractor_run.h"
 
+#include "platform/foundation_values.h"
 #include "support/plugin_static_function.h"
 
 namespace macos {
@@ -143,6 +144,7 @@ step extractor_run::read_entry(const support::folder_walk &walk, const QString &
     if (!place)
         return step::done;
     const QString path = walk.path();
+    const platform::release_pool pool; // for what the values of this list leave to one
     if (!list_.load(*place)) {
         log(profile_.words.list_failed, path);
         return step::done;

@@ -1,7 +1,9 @@
 // One row per known preference of a user's preferences file.
 #include "preferences_extractor.h"
 
+#include "support/file_names.h"
 #include "cyberduck_macos.h"
+#include "platform/foundation_values.h"
 #include "preferences_table.h"
 #include "support/plugin_static_function.h"
 
@@ -34,7 +36,7 @@ bool load_preferences(const QString &path, const QString &source_root,
                       platform::property_list *list)
 {
     // A path whose characters are lost in the system's encoding opens nothing.
-    if (QFile::decodeName(QFile::encodeName(path)) != path) {
+    if (support::decoded_name(support::encoded_name(path)) != path) {
         log_extract(QStringLiteral(" target_file open  ---FAILED--- "));
         return false;
     }
@@ -68,6 +70,7 @@ void cyberduck_macos::xcode_extract_preferences(QString plist_path, QString user
         log_extract(destination_db_path);
         return;
     }
+    const platform::release_pool pool;
     platform::property_list list;
     if (!load_preferences(plist_path, fs_extraction_source_path, &list))
         return;

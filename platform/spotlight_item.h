@@ -14,8 +14,8 @@ namespace platform {
 // What is known of one attribute's value.
 struct attribute_description
 {
-    QString text;              // the description that Core Foundation prints for the value
-    bool has_c_string = false; // whether the system hands that text out as a C string directly
+    QString text;     // the description that Core Foundation prints for the value
+    QString c_string; // the same where the system hands it out as a C string directly, else null
 };
 
 // One file. Attributes are looked up when asked for.

@@ -1,6 +1,6 @@
 #include "evidence_file.h"
 
-#include <QFile>
+#include "file_names.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -52,7 +52,7 @@ evidence_file &evidence_file::operator=(evidence_file &&other) noexcept
 
 bool evidence_file::open(const QString &path)
 {
-    return open(QFile::encodeName(path).constData());
+    return open(support::encoded_name(path).constData());
 }
 
 bool evidence_file::open(const char *encoded_path)

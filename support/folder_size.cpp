@@ -1,7 +1,8 @@
 #include "folder_size.h"
 
+#include "file_names.h"
+
 #include <QByteArray>
-#include <QFile>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -173,7 +174,7 @@ private:
 
 std::optional<qint64> size_of(const QString &path, const std::atomic<bool> &cancelled)
 {
-    QByteArray encoded = QFile::encodeName(path);
+    QByteArray encoded = support::encoded_name(path);
     // With a "/" behind it a link would be followed.
     while (encoded.size() > 1 && encoded.endsWith('/'))
         encoded.chop(1);

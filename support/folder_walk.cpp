@@ -1,6 +1,6 @@
 #include "folder_walk.h"
 
-#include <QFile>
+#include "file_names.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -27,7 +27,7 @@ int open_folder(const QByteArray &path)
 
 QByteArray with_trailing_slash(const QString &folder)
 {
-    QByteArray encoded = QFile::encodeName(folder);
+    QByteArray encoded = support::encoded_name(folder);
     if (!encoded.endsWith('/'))
         encoded += '/';
     return encoded;
@@ -109,17 +109,17 @@ bool folder_walk::kind_of(const dirent &found, entry_kind *kind) const
 
 QString folder_walk::path() const
 {
-    return QFile::decodeName(recorded_ + folder_ + name_);
+    return support::decoded_name(recorded_ + folder_ + name_);
 }
 
 QString folder_walk::real_path() const
 {
-    return QFile::decodeName(real_ + folder_ + name_);
+    return support::decoded_name(real_ + folder_ + name_);
 }
 
 bool folder_walk::name_is_text() const
 {
-    return QFile::encodeName(QFile::decodeName(name_)) == name_;
+    return support::encoded_name(support::decoded_name(name_)) == name_;
 }
 
 } // namespace support

@@ -1,6 +1,8 @@
 #include "source_boundary.h"
 
-#include <QFile>
+#include "file_names.h"
+
+#include <QList>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -17,7 +19,7 @@ constexpr int most_links_followed = 40; // what the system itself allows
 
 QByteArray folder_of(const QString &root)
 {
-    QByteArray folder = QFile::encodeName(root);
+    QByteArray folder = support::encoded_name(root);
     if (folder.isEmpty())
         return QByteArrayLiteral("./");
     // Without a trailing "/" the root is a prefix of names; the folder is what precedes them.
@@ -155,7 +157,7 @@ source_boundary::source_boundary(const QString &root)
 
 resolved_path source_boundary::resolve(const QString &path) const
 {
-    const QByteArray encoded = QFile::encodeName(path);
+    const QByteArray encoded = support::encoded_name(path);
     const bool is_root = encoded + '/' == root_;
     if (!is_root && !encoded.startsWith(root_) && root_ != "./")
         return {reach::outside, {}};
@@ -167,7 +169,7 @@ resolved_path source_boundary::resolve(const QString &path) const
         steps.run(is_root ? QByteArray() : encoded.mid(relative ? 0 : root_.size()));
     if (where != reach::inside)
         return {where, {}};
-    return {reach::inside, QFile::decodeName(steps.path())};
+    return {reach::inside, support::decoded_name(steps.path())};
 }
 
 } // namespace support

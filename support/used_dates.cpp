@@ -12,9 +12,7 @@ namespace {
 QString attribute_text(const platform::spotlight_item &item, const char *name)
 {
     const auto description = item.attribute(QLatin1String(name));
-    if (!description || !description->has_c_string)
-        return {};
-    return description->text.trimmed();
+    return description ? description->c_string.trimmed() : QString();
 }
 
 qint64 marked_as_utc(const QString &date)

@@ -231,7 +231,8 @@ public:
     {
         if (!texts.contains(name))
             return std::nullopt;
-        return platform::attribute_description{texts.value(name), has_c_string};
+        const QString text = texts.value(name);
+        return platform::attribute_description{text, has_c_string ? text : QString()};
     }
     QMap<QString, QString> texts;
     bool has_c_string = true;

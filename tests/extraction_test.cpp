@@ -7,8 +7,11 @@
 #include "macos/preferences_table.h"
 #include "macos/transfers_extractor.h"
 #include "plugin/result_tables.h"
+#include "support/binary_list_builder.h"
+#include "support/file_names.h"
 #include "support/log_capture.h"
 #include "support/printing.h"
+#include "support/shown_attribute.h"
 #include "support/source_builder.h"
 #include "support/visible_text.h"
 
@@ -19,7 +22,6 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
-#include <sys/xattr.h>
 
 namespace {
 
@@ -312,32 +314,17 @@ TEST_F(extraction, local_copies_stay_inside_the_source)
               QVariant(QStringLiteral("/Users/alice/Links/outside.txt")));
 }
 
-// Two texts: eight bytes of magic, the list, the texts, the offsets and the trailer.
-QByteArray binary_list_of_two(const QByteArray &first, const QByteArray &second)
-{
-    const auto text = [](const QByteArray &value) {
-        return QByteArray("\x5f\x10", 2) + char(value.size()) + value;
-    };
-    QByteArray list = QByteArray("bplist00\xa2\x01\x02", 11) + text(first);
-    const int second_offset = list.size();
-    list += text(second);
-    const int table_offset = list.size();
-    list += QByteArray("\x08\x0b", 2) + char(second_offset);
-    list += QByteArray(6, '\0') + QByteArray("\x01\x01", 2);     // sizes of numbers
-    list += QByteArray(7, '\0') + char(3) + QByteArray(8, '\0'); // objects, top
-    return list + QByteArray(7, '\0') + char(table_offset);
-}
-
 TEST_F(extraction, attributes_of_a_local_copy_reach_columns_document_and_search_text)
 {
     const QString copy = source.write(QStringLiteral("Users/alice/Documents/a.txt"), "12345");
-    const QByteArray froms =
-        binary_list_of_two("https://example.org/a.zip", "https://example.org/");
-    const QByteArray path = QFile::encodeName(copy);
-    if (::setxattr(path, "user.com.apple.metadata:kMDItemWhereFroms", froms, size_t(froms.size()),
-                   0) != 0)
+    binary_list_builder froms;
+    const int urls =
+        froms.array({froms.text("https://example.org/a.zip"), froms.text("https://example.org/")});
+    const QByteArray path = support::encoded_name(copy);
+    if (!set_attribute(path, "user.com.apple.metadata:kMDItemWhereFroms",
+                       froms.list(quint64(urls))))
         GTEST_SKIP() << "the temporary folder's file system has no extended attributes";
-    ASSERT_EQ(::setxattr(path, "user.com.apple.metadata:kMDItemFinderComment", "a note", 6, 0), 0);
+    ASSERT_TRUE(set_attribute(path, "user.com.apple.metadata:kMDItemFinderComment", "a note"));
     source.write(in_home(older_transfers, "a.cyberducktransfer"),
                  transfer(item("~/Documents/a.txt")));
     const auto adapter = source.adapter({alice});

@@ -220,14 +220,15 @@ TEST_F(platform_contract, an_attribute_is_described_as_core_foundation_prints_it
     for (const row &row : rows) {
         SCOPED_TRACE(row.name);
         const QString path = make_file(QString::number(++index) + QStringLiteral(" \u00e9"));
-        fixture->give_attribute(path, QStringLiteral("kMDItemComment"), row.value);
+        if (!fixture->give_attribute(path, QStringLiteral("kMDItemComment"), row.value))
+            GTEST_SKIP() << "needs the stand-ins for Apple's frameworks";
         item = catalog->item(path);
         ASSERT_NE(item, nullptr);
         const auto found = item->attribute(QStringLiteral("kMDItemComment"));
         ASSERT_TRUE(found);
         EXPECT_EQ(found->text.mid(qMax(0, found->text.indexOf(QLatin1String(">{")))),
                   QString::fromUtf8(row.expected));
-        EXPECT_EQ(found->has_c_string, row.has_c_string);
+        EXPECT_EQ(found->c_string, row.has_c_string ? found->text : QString());
         EXPECT_FALSE(item->attribute(QStringLiteral("kMDItemCopyright")));
     }
     EXPECT_EQ(catalog->item(folder.filePath(QStringLiteral("missing"))), nullptr);
@@ -248,7 +249,8 @@ TEST_F(platform_contract, a_position_is_read_from_an_image)
     for (const position &row : rows) {
         SCOPED_TRACE(index);
         const QString path = make_file(QStringLiteral("%1 \u00e9.tiff").arg(++index));
-        fixture->give_position(path, row);
+        if (!fixture->give_position(path, row))
+            GTEST_SKIP() << "needs the stand-ins for Apple's frameworks";
         const position found = platform::read_gps_position(path);
         ASSERT_EQ(found.latitude.has_value(), row.latitude.has_value());
         ASSERT_EQ(found.longitude.has_value(), row.longitude.has_value());

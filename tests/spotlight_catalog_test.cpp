@@ -71,15 +71,6 @@ TEST_F(spotlight_catalog_test, tells_what_the_file_system_says)
     EXPECT_EQ(catalog->take_notes().size(), 1);
 }
 
-TEST_F(spotlight_catalog_test, says_whether_a_text_has_a_c_string)
-{
-    const QString file = make_file(QStringLiteral("root/\u00e9"));
-    const auto item = catalog->item(file);
-    ASSERT_TRUE(item);
-    EXPECT_FALSE(item->attribute(QStringLiteral("kMDItemFSName"))->has_c_string);
-    EXPECT_TRUE(item->attribute(QStringLiteral("kMDItemFSSize"))->has_c_string);
-}
-
 TEST_F(spotlight_catalog_test, has_no_item_for_what_is_not_there)
 {
     const QString outside = make_file(QStringLiteral("outside"));

@@ -1,6 +1,6 @@
 #include "platform/file_times.h"
 
-#include <QFile>
+#include "support/file_names.h"
 
 #include <sys/stat.h>
 
@@ -17,7 +17,7 @@ qint64 milliseconds(const timespec &stamp)
 
 std::optional<file_times> times_of(const QString &path)
 {
-    const QByteArray encoded = QFile::encodeName(path);
+    const QByteArray encoded = support::encoded_name(path);
     struct stat found = {};
     if (encoded.contains('\0') || ::lstat(encoded.constData(), &found) != 0)
         return std::nullopt;

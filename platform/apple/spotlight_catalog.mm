@@ -14,9 +14,9 @@ attribute_description description_of(CFTypeRef value) {
     const cf_ref<CFStringRef> printed(CFCopyDescription(value));
     if (!printed)
         return description;
-    const char *bytes = CFStringGetCStringPtr(printed.get(), kCFStringEncodingMacRoman);
-    description.has_c_string = bytes != nullptr;
-    description.text = bytes != nullptr ? QString::fromUtf8(bytes) : text_of(printed.get());
+    description.text = text_of(printed.get());
+    description.c_string =
+        QString::fromUtf8(CFStringGetCStringPtr(printed.get(), kCFStringEncodingMacRoman));
     return description;
 }
 

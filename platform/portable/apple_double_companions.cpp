@@ -1,9 +1,8 @@
 #include "apple_double_companions.h"
 
+#include "support/file_names.h"
 #include "apple_double.h"
 #include "attribute_value.h"
-
-#include <QFile>
 
 #include <algorithm>
 #include <utility>
@@ -27,9 +26,8 @@ bool is_folder(const QByteArray &path)
 std::vector<QByteArray> spellings(const QByteArray &encoded)
 {
     std::vector<QByteArray> result{encoded};
-    const QString text = QFile::decodeName(encoded);
+    const QString text = support::decoded_name(encoded);
     for (const auto form : {QString::NormalizationForm_C, QString::NormalizationForm_D}) {
-        // Not QFile::encodeName: on some systems it normalizes by itself.
         const QByteArray other = text.normalized(form).toUtf8();
         if (std::find(result.cbegin(), result.cend(), other) == result.cend())
             result.push_back(other);
@@ -135,7 +133,7 @@ private:
 };
 
 apple_double_companions::apple_double_companions(const QString &source_root)
-    : encoded_root_(QFile::encodeName(source_root))
+    : encoded_root_(support::encoded_name(source_root))
 {
 }
 

@@ -1,6 +1,7 @@
 #include "file_identity.h"
 
-#include <QFile>
+#include "support/file_names.h"
+
 #include <QFileInfo>
 #include <QStorageInfo>
 
@@ -15,7 +16,7 @@ constexpr const char *file_systems_with_ids[] = {"hfs", "hfsplus", "apfs", "fuse
 
 bool status_of(const QString &path, struct stat *status)
 {
-    return ::lstat(QFile::encodeName(path).constData(), status) == 0;
+    return ::lstat(support::encoded_name(path).constData(), status) == 0;
 }
 
 bool has_ids(const QByteArray &file_system)

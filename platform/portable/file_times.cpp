@@ -1,6 +1,6 @@
 #include "platform/file_times.h"
 
-#include <QFile>
+#include "support/file_names.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -18,7 +18,7 @@ template <typename time_stamp> qint64 milliseconds(const time_stamp &stamp)
 
 std::optional<file_times> times_of(const QString &path)
 {
-    const QByteArray encoded = QFile::encodeName(path);
+    const QByteArray encoded = support::encoded_name(path);
     if (encoded.contains('\0'))
         return std::nullopt;
     file_times times;

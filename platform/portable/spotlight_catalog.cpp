@@ -1,11 +1,10 @@
 #include "platform/spotlight_item.h"
 
+#include "support/file_names.h"
 #include "apple_double_companions.h"
 #include "extended_attributes.h"
 #include "file_system_facts.h"
 #include "volume_index_source.h"
-
-#include <QFile>
 
 #include <utility>
 #include <vector>
@@ -30,7 +29,7 @@ public:
                 continue;
             const QString text = description_text(*value);
             if (!text.isNull())
-                return attribute_description{text, has_c_string(text)};
+                return attribute_description{text, has_c_string(text) ? text : QString()};
         }
         return std::nullopt;
     }
@@ -53,7 +52,7 @@ public:
     {
         if (!path.startsWith(source_root_))
             return nullptr;
-        source_file file{path, QFile::encodeName(path), {}};
+        source_file file{path, support::encoded_name(path), {}};
         if (file.encoded_path.contains('\0') ||
             ::lstat(file.encoded_path.constData(), &file.status) != 0)
             return nullptr;

@@ -1,9 +1,8 @@
 #include "spotlight_store_places.h"
 
+#include "support/file_names.h"
 #include "platform/property_list.h"
 #include "support/folder_walk.h"
-
-#include <QFile>
 
 #include <sys/stat.h>
 
@@ -36,7 +35,7 @@ struct listed_store
 bool has_type(const QString &path, mode_t type)
 {
     struct stat status = {};
-    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 &&
+    return ::lstat(support::encoded_name(path).constData(), &status) == 0 &&
            (status.st_mode & S_IFMT) == type;
 }
 
@@ -82,7 +81,7 @@ std::vector<listed_store> stores_in(const QString &index_folder, const QString &
     const QString folder = index_folder + QLatin1Char('/') + parent;
     support::folder_walk entries(folder, folder);
     while (static_cast<int>(found.size()) < most_stores && entries.next()) {
-        const QString path = folder + QLatin1Char('/') + QFile::decodeName(entries.name());
+        const QString path = folder + QLatin1Char('/') + support::decoded_name(entries.name());
         // Everything of this folder comes before what lies deeper.
         if (entries.path() != path)
             break;

@@ -6,8 +6,7 @@
 #include "platform/portable/image_gps.h"
 #include "platform/portable/volume_index_source.h"
 #include "support/evidence_file.h"
-
-#include <QFile>
+#include "support/file_names.h"
 
 #include <vector>
 
@@ -70,7 +69,7 @@ private:
 
 std::unique_ptr<found_file> find_file(const QString &path)
 {
-    platform::source_file file{path, QFile::encodeName(path), {}};
+    platform::source_file file{path, support::encoded_name(path), {}};
     if (!is_on_volume(path) || ::lstat(file.encoded_path.constData(), &file.status) != 0)
         return nullptr;
     return std::make_unique<file_on_volume>(file);

@@ -107,7 +107,7 @@ def compare_log(path: str, expected: collections.Counter[str]) -> list[str]:
         text = file.read()
     problems = []
     for message, count in expected.items():
-        found = text.count("]:-- " + message + "\n")
+        found = text.count("]:-- " + message.replace("\n", "\\u000a") + "\n")
         if found != count:
             problems.append(f"log: expected {count} times, got {found}: {message!r}")
     for failure in FAILURE_TEXTS:
@@ -142,7 +142,9 @@ def run_seed(host: str, seed: int, tabs: list[str], base: str) -> list[str]:
     before = fingerprint(base + "/source")
     expected = Model(settings).expected()
     # A zone away from UTC brings out every conversion through local time.
-    environment = {**os.environ, "LC_ALL": "C.UTF-8", "TZ": "XST-5:30"}
+    # The last one is for a plug-in whose frameworks are stand-ins.
+    environment = {**os.environ, "LC_ALL": "C.UTF-8", "TZ": "XST-5:30",
+                   "STAND_IN_VOLUME": settings.root}
     try:
         done = subprocess.run(host_command(host, settings, base), env=environment,
                               capture_output=True, timeout=RUN_SECONDS, check=False)
