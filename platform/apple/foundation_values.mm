@@ -10,7 +10,7 @@ namespace {
 // Without a fixed locale the user's language and clock would show in the text.
 NSString *local_time_text(const NSDate *date) {
     NSDateFormatter *formatter = [[[NSDateFormatter alloc] init] autorelease];
-    [formatter setLocale:[[[NSLocale alloc] initWithLocaleIdentifier:@"en_US_POSIX"] autorelease]];
+    [formatter setLocale:[NSLocale localeWithLocaleIdentifier:@"en_US_POSIX"]];
     [formatter setDateFormat:@"dd-MMM-yyyy,HH:mm:ss a"];
     return [formatter stringFromDate:const_cast<NSDate *>(date)];
 }

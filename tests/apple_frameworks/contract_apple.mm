@@ -1,24 +1,27 @@
 // The Apple platform gets Foundation's objects, and metadata from what the stand-ins are told.
 #include "tests/support/platform_contract.h"
 
-#include "listed_objects.h"
+#import <Foundation/Foundation.h>
+
+#ifndef __APPLE__
 #include "stand_ins.h"
 #include "unit_text.h"
 #include "value_objects.h"
+#endif
 
 @interface changing_dictionary : NSDictionary {
     NSDictionary *first_;
     NSDictionary *later_;
     int asked_;
 }
-- (id)initWithFirst:(NSObject *)first later:(NSObject *)later;
+- (id)initWithFirst:(NSDictionary *)first later:(NSDictionary *)later;
 @end
 
 @implementation changing_dictionary
-- (id)initWithFirst:(NSObject *)first later:(NSObject *)later {
+- (id)initWithFirst:(NSDictionary *)first later:(NSDictionary *)later {
     self = [super init];
-    first_ = static_cast<NSDictionary *>([first retain]);
-    later_ = static_cast<NSDictionary *>([later retain]);
+    first_ = [first retain];
+    later_ = [later retain];
     return self;
 }
 - (void)dealloc {
@@ -33,19 +36,30 @@
 
 namespace {
 
+NSDictionary *dictionary_in(const QByteArray &list) {
+    NSData *data = [NSData dataWithBytes:list.constData()
+                                  length:static_cast<NSUInteger>(list.size())];
+    return [NSPropertyListSerialization propertyListWithData:data
+                                                     options:NSPropertyListImmutable
+                                                      format:nullptr
+                                                       error:nullptr];
+}
+
 class apple_fixture final : public contract_fixture {
   public:
-    apple_fixture() { stand_ins::reset(); }
+    ~apple_fixture() override { [pool_ drain]; }
 
-    void *key(const QString &text) override { return [unit_text withText:text]; }
+    void *key(const QString &text) override {
+        return [NSString stringWithCharacters:reinterpret_cast<const unichar *>(text.utf16())
+                                       length:static_cast<NSUInteger>(text.size())];
+    }
     const __CFString *cfstring(const QString &text) override {
         return static_cast<const __CFString *>(key(text));
     }
-    void *dictionary(const QByteArray &list) override { return stand_ins::object_of_list(list); }
+    void *dictionary(const QByteArray &list) override { return dictionary_in(list); }
     void *changing_dictionary(const QByteArray &first, const QByteArray &later) override {
-        return [[[::changing_dictionary alloc] initWithFirst:stand_ins::object_of_list(first)
-                                                       later:stand_ins::object_of_list(later)]
-            autorelease];
+        return [[[::changing_dictionary alloc] initWithFirst:dictionary_in(first)
+                                                       later:dictionary_in(later)] autorelease];
     }
     NSDate *date(double epoch_seconds) override {
         return [NSDate dateWithTimeIntervalSince1970:epoch_seconds];
@@ -53,21 +67,33 @@ class apple_fixture final : public contract_fixture {
     NSObject *object_of(NSDate *date) override { return date; }
     NSObject *text_object() override { return @"2020-05-09 10:45:12 +0000"; }
 
-    void give_attribute(const QString &path, const QString &name,
+#ifdef __APPLE__
+    bool give_attribute(const QString &, const QString &,
+                        const platform::spotlight_value &) override {
+        return false;
+    }
+    bool give_position(const QString &, const platform::gps_position &) override { return false; }
+    QStringList faults() override { return {}; }
+#else
+    apple_fixture() { stand_ins::reset(); }
+
+    bool give_attribute(const QString &path, const QString &name,
                         const platform::spotlight_value &value) override {
         stand_ins::set_attributes([unit_text withText:path],
                                   [NSDictionary dictionaryWithObject:stand_ins::object_of(value)
                                                               forKey:[unit_text withText:name]]);
+        return true;
     }
-    void give_position(const QString &path, const platform::gps_position &position) override {
+    bool give_position(const QString &path, const platform::gps_position &position) override {
         stand_ins::set_image_properties([unit_text withText:path],
                                         stand_ins::properties_of(position));
+        return true;
     }
-
     QStringList faults() override { return stand_ins::faults(); }
+#endif
 
   private:
-    const stand_ins::local_pool pool_;
+    NSAutoreleasePool *pool_ = [[NSAutoreleasePool alloc] init];
 };
 
 } // namespace

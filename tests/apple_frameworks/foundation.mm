@@ -1,6 +1,7 @@
 // What Apple's Foundation does differently from GNUstep's.
 #include "listed_objects.h"
 #include "stand_ins.h"
+#include "unit_text.h"
 
 #include <objc/runtime.h>
 
@@ -29,6 +30,12 @@ NSString *stand_in_string_from_class(Class shown) {
                ? @"__NSCFNumber"
                : [NSString stringWithUTF8String:class_getName(shown)];
 }
+
+@implementation NSString (stand_in_texts)
++ (id)stand_in_stringWithCharacters:(const unichar *)units length:(NSUInteger)count {
+    return [unit_text withText:QString::fromUtf16(units, static_cast<int>(count))];
+}
+@end
 
 @implementation NSDictionary (stand_in_lists)
 + (id)stand_in_dictionaryWithContentsOfFile:(NSString *)path {

@@ -27,7 +27,8 @@ struct listed_value {
 
 NSObject *object_of(const listed_value &listed);
 
-// The object that a container hands out for a key each time, as it keeps its values.
+// The object that a container hands out for a key each time, as it keeps its values. It also gives
+// them to the caller's pool, as Apple's may.
 NSObject *kept(NSMutableDictionary *known, id<NSCopying> key, const listed_value &listed) {
     NSObject *object = [known objectForKey:key];
     if (object == nil && !listed.value.is(value_kind::absent)) {
@@ -35,7 +36,7 @@ NSObject *kept(NSMutableDictionary *known, id<NSCopying> key, const listed_value
         object = object_of(listed);
         [known setObject:object forKey:key];
     }
-    return object;
+    return [[object retain] autorelease];
 }
 
 } // namespace
@@ -96,9 +97,11 @@ NSObject *kept(NSMutableDictionary *known, id<NSCopying> key, const listed_value
     return static_cast<NSUInteger>(listed_->value.count());
 }
 - (id)objectAtIndex:(NSUInteger)index {
-    const stand_ins::local_pool pool;
-    return kept(known_, [NSNumber numberWithUnsignedLong : index],
-                { listed_->list, listed_->value.at(static_cast<int>(index)) });
+    NSNumber *key = [[NSNumber alloc] initWithUnsignedLong:index];
+    NSObject *object =
+        kept(known_, key, {listed_->list, listed_->value.at(static_cast<int>(index))});
+    [key release];
+    return object;
 }
 @end
 

@@ -68,11 +68,10 @@ struct listed_scalar
     }
 };
 
-void write(const QString &path, const QByteArray &bytes)
+bool write(const QString &path, const QByteArray &bytes)
 {
     QFile file(path);
-    if (file.open(QIODevice::WriteOnly))
-        file.write(bytes);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
 std::vector<rational> parts_of(double degrees)
@@ -112,7 +111,7 @@ public:
         return platform::as_nsobject(object(platform::value_kind::text, 0.0));
     }
 
-    void give_attribute(const QString &path, const QString &name,
+    bool give_attribute(const QString &path, const QString &name,
                         const platform::spotlight_value &value) override
     {
         binary_list_builder list;
@@ -121,9 +120,9 @@ public:
         companion.attributes = {
             {"com.apple.metadata:" + name.toUtf8(), list.list(static_cast<quint64>(top))}};
         const QFileInfo file(path);
-        write(file.path() + QLatin1String("/._") + file.fileName(), companion.bytes());
+        return write(file.path() + QLatin1String("/._") + file.fileName(), companion.bytes());
     }
-    void give_position(const QString &path, const platform::gps_position &position) override
+    bool give_position(const QString &path, const platform::gps_position &position) override
     {
         exif_builder exif;
         if (!position.latitude_reference.isNull())
@@ -134,7 +133,7 @@ public:
             exif.reference(3, position.longitude_reference.toLatin1() + '\0');
         if (position.longitude)
             exif.coordinate(4, parts_of(*position.longitude));
-        write(path, exif.block());
+        return write(path, exif.block());
     }
 
     QStringList faults() override { return {}; }

@@ -26,10 +26,10 @@ class contract_fixture {
     virtual NSObject *object_of(NSDate *date) = 0;
     virtual NSObject *text_object() = 0;
 
-    // The file at that path exists, and has nothing yet.
-    virtual void give_attribute(const QString &path, const QString &name,
+    // The file at that path exists, and has nothing yet. False on a Mac, where the system answers.
+    virtual bool give_attribute(const QString &path, const QString &name,
                                 const platform::spotlight_value &value) = 0;
-    virtual void give_position(const QString &path, const platform::gps_position &position) = 0;
+    virtual bool give_position(const QString &path, const platform::gps_position &position) = 0;
 
     // What the platform made or retained and did not release; empty where nothing is counted.
     [[nodiscard]] virtual QStringList faults() = 0;

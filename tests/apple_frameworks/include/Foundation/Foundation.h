@@ -8,6 +8,10 @@
 
 extern "C" NSString *stand_in_string_from_class(Class shown);
 
+@interface NSString (stand_in_texts)
++ (id)stand_in_stringWithCharacters:(const unichar *)units length:(NSUInteger)count;
+@end
+
 @interface NSDictionary (stand_in_lists)
 + (id)stand_in_dictionaryWithContentsOfFile:(NSString *)path;
 @end
@@ -19,6 +23,7 @@ extern "C" NSString *stand_in_string_from_class(Class shown);
                               error:(NSError **)error;
 @end
 
+#define stringWithCharacters stand_in_stringWithCharacters
 #define NSStringFromClass stand_in_string_from_class
 #define dictionaryWithContentsOfFile stand_in_dictionaryWithContentsOfFile
 #define propertyListWithData stand_in_propertyListWithData
