@@ -149,7 +149,11 @@ step extractor_run::read_entry(const support::folder_walk &walk, const QString &
         log(profile_.words.list_failed, path);
         return step::done;
     }
-    return read({path, user, list_.root()});
+    stored_units_ = 0;
+    const step ended = read({path, user, list_.root()});
+    if (list_.root().take_cut_text())
+        log(profile_.words.text_cut, path);
+    return ended;
 }
 
 void extractor_run::insert_failed()

@@ -18,6 +18,10 @@
 
 namespace macos {
 
+// UTF-16 units in all rows of one list. A queue repeats the texts of its host in the row of every
+// item: few bytes could fill a disk. 160,000 transfers take less than half of it.
+constexpr qint64 most_stored_units = qint64(1) << 29;
+
 // How a step of a run ended.
 enum class step { done, cancelled };
 
@@ -43,6 +47,7 @@ struct extractor_words
     const char *path_failed;    // the path follows
     const char *list_failed;    // the path follows
     const char *outside_source; // the path follows
+    const char *text_cut;       // the path follows
     const char *insert_failed;
     bool insert_failed_names_database; // the database's file name follows
     const char *insert_error;          // the error follows
@@ -127,10 +132,14 @@ public:
         fill_origin(list, environment_, row);
     }
 
+    // Whether the rows of the current list take as much as those of one may.
+    [[nodiscard]] bool list_is_full() const { return stored_units_ > most_stored_units; }
     // Inserts the row; counts it, or logs the failure.
     template <typename Row, size_t Count>
     void insert(const column_field<Row> (&columns)[Count], const Row &row)
     {
+        for (const column_field<Row> &column : columns)
+            stored_units_ += (row.*column.field).size();
         if (statement_->insert_row(columns, row))
             count_row();
         else
@@ -165,6 +174,7 @@ private:
     std::optional<insert_statement> statement_; // dies before the connection
     platform::property_list list_;
     qint64 uncommitted_rows_ = 0;
+    qint64 stored_units_ = 0; // of the current list
 };
 
 } // namespace macos

@@ -91,6 +91,10 @@ void cyberduck_macos::xcode_extract_preferences(QString plist_path, QString user
         if (record_count == before && connection.begin_after_loss())
             rows_lost(QString());
     }
+    if (list.root().take_cut_text())
+        log_extract(
+            QStringLiteral("[xcode_extract_preferences] text too long, cut ------FAILED------") +
+            plist_path);
     if (!connection.finish())
         rows_lost(connection.error_text());
     log_extract(QStringLiteral("xcode_extract_preferences Ends"));

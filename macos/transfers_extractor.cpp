@@ -17,6 +17,7 @@ const extractor_profile transfers_profile = {
         "[xcode_extract_transfers] target_file open ------FAILED------",
         "[xcode_extract_transfers] m_plist open ------FAILED------",
         "[xcode_extract_transfers] outside the source ------FAILED------",
+        "[xcode_extract_transfers] text too long, cut ------FAILED------",
         "[xcode_extract_transfers] insert in transfers ---------FAILED--------",
         false,
         "[xcode_extract_transfers]",
@@ -47,6 +48,8 @@ using platform::value_kind;
 constexpr char host_missing[] =
     "[xcode_extract_transfers] Empty host_dict Dictionary is nil --Host--";
 constexpr char items_missing[] = "[xcode_extract_transfers] items_array is nil ";
+constexpr char rows_left_out[] =
+    "[xcode_extract_transfers] items too large, rest left out ------FAILED------";
 constexpr qint64 milliseconds_per_second = 1000;
 
 constexpr key_field<transfer_fields> transfer_keys[] = {
@@ -151,6 +154,10 @@ macos::step cyberduck_macos::read_transfer(const macos::loaded_list &list,
     for (int i = 0; i < count; ++i) {
         if (run->is_cancelled())
             return step::cancelled;
+        if (run->list_is_full()) {
+            run->log(rows_left_out, list.path);
+            return step::done;
+        }
         const property_list_value item = items.at(i);
         if (item.is(value_kind::dictionary))
             insert_item(item, list.user, shared, run);

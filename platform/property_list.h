@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <memory>
+#include <utility>
 
 namespace platform {
 
@@ -31,6 +32,7 @@ public:
     // Class name that Foundation reports for the value, e.g. "__NSCFBoolean" for a boolean.
     [[nodiscard]] virtual QString class_name(property_list_node node) const = 0;
     // The text as stored, not trimmed; null unless the value is a text. An empty text is not null.
+    // The end of a text beyond the limit is left out.
     [[nodiscard]] virtual QString text(property_list_node node) const = 0;
     // Foundation's doubleValue: of a number, a boolean (1 or 0) or a text (its leading decimal
     // number, else 0); 0 for every other kind.
@@ -47,6 +49,16 @@ public:
     virtual bool look_up(property_list_node dictionary, const QString &key,
                          property_list_node *found) const = 0;
     virtual bool element(property_list_node array, int index, property_list_node *found) const = 0;
+
+    // Whether text() has left out the end of one since this was asked last.
+    [[nodiscard]] bool take_cut_text() const { return std::exchange(has_cut_text_, false); }
+
+protected:
+    // For text(): `text` up to the limit, no surrogate pair torn apart.
+    [[nodiscard]] QString within_limit(QString text) const;
+
+private:
+    mutable bool has_cut_text_ = false;
 };
 
 class property_list_value
@@ -77,6 +89,11 @@ public:
     [[nodiscard]] QString text() const
     {
         return reader_ == nullptr ? QString() : reader_->text(node_);
+    }
+    // Of any value of the same list.
+    [[nodiscard]] bool take_cut_text() const
+    {
+        return reader_ != nullptr && reader_->take_cut_text();
     }
     [[nodiscard]] double double_value() const
     {

@@ -25,6 +25,8 @@ constexpr int deepest_list_level = 512;
 // Entries of one array or dictionary of a binary list. An entry there can be one byte, and all may
 // name the same value.
 constexpr quint64 largest_container_count = 1'000'000;
+// UTF-16 units of one text that are handed out; the rest of a longer one is left out.
+constexpr int longest_text_units = 1 << 20;
 // Work that all questions about one binary list may take: a byte of text counts once each time that
 // it is looked at, a compared key as several. Without it, few bytes that name the same large text
 // or dictionary many times would take hours. Afterwards nothing is found and no text is read any

@@ -19,6 +19,18 @@ namespace {
 // Cannot occur inside base64, so it parts the records of an enciphered log.
 constexpr char record_separator[] = "<[{()}]>";
 
+// UTF-16 units of a message. A list can name paths of any length, and millions of them.
+constexpr int longest_message = 16 * 1024;
+
+QString shown_message(const QString &message)
+{
+    const int left_out = message.size() - longest_message;
+    if (left_out <= 0)
+        return support::visible_text(message);
+    return support::visible_text(message.left(longest_message)) +
+           QStringLiteral(" [%1 more]").arg(left_out);
+}
+
 QString qualified_function_name(const QString &function_info)
 {
     QString name = function_info.trimmed();
@@ -54,7 +66,7 @@ QString log_line(const QString &message, const QString &function_info, int engin
         QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MMM-ddThh-mm-ss"));
     return QLatin1Char('[') + time + engine_part(engine_type) +
            QLatin1String("][Artifacts Extraction][") + qualified_function_name(function_info) +
-           QLatin1String("]:-- ") + support::visible_text(message);
+           QLatin1String("]:-- ") + shown_message(message);
 }
 
 } // namespace

@@ -16,6 +16,9 @@ namespace support {
 namespace {
 
 constexpr int most_links_followed = 40; // what the system itself allows
+// The examined system opens no path of more than 1,024 bytes, this one none of more than 4,096.
+constexpr int longest_path_bytes = 4096; // below the root
+constexpr int most_names_walked = 4096;  // with those of links
 
 QByteArray folder_of(const QString &root)
 {
@@ -61,6 +64,8 @@ public:
         while (!pending_.empty()) {
             const QByteArray name = pending_.back();
             pending_.pop_back();
+            if (++names_walked_ > most_names_walked)
+                return reach::missing;
             const reach after = step(name);
             if (after != reach::inside)
                 return after;
@@ -146,6 +151,7 @@ private:
     const source_boundary &boundary_;
     std::vector<QByteArray> pending_; // names to walk, the next one last
     std::vector<QByteArray> found_;   // names below the root, free of links
+    int names_walked_ = 0;
     int links_followed_ = 0;
 };
 
@@ -161,7 +167,7 @@ resolved_path source_boundary::resolve(const QString &path) const
     const bool is_root = encoded + '/' == root_;
     if (!is_root && !encoded.startsWith(root_) && root_ != "./")
         return {reach::outside, {}};
-    if (encoded.contains('\0'))
+    if (encoded.contains('\0') || encoded.size() - root_.size() > longest_path_bytes)
         return {reach::missing, {}};
     const bool relative = root_ == "./" && !encoded.startsWith(root_);
     walk steps(*this);

@@ -27,7 +27,9 @@ public:
     // counts from its folder, an absolute one from the source's own root (/Users/... is looked up
     // below the root) or, if it names a place inside the source as seen from this machine, from
     // there. `outside` when ".." or a link leaves the source, or the path does not start inside.
-    // `missing` when a component does not exist. At most 40 links are followed, as by the system.
+    // `missing` when a component does not exist. At most 40 links are followed, as by the system,
+    // and a path of more than 4,096 bytes below the root, or of as many names, is missing: no file
+    // can be opened by it.
     [[nodiscard]] resolved_path resolve(const QString &path) const;
 
 private:

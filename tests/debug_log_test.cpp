@@ -63,6 +63,7 @@ TEST(debug_log, lines_name_engine_and_function)
 // A file of the source may be named like this to hide or invent lines of the log.
 TEST(debug_log, no_text_breaks_or_disguises_its_line)
 {
+    const QByteArray longest = QByteArray(16384, 'x') + " [3616 more]";
     const struct
     {
         const char *name;
@@ -85,6 +86,7 @@ TEST(debug_log, no_text_breaks_or_disguises_its_line)
         {"half a pair", QString(QChar(0xd800)) + QChar('x') + QChar(0xdc00), "\\ud800x\\udc00"},
         {"backslashes only where they could mislead", QStringLiteral("c:\\x \\u000a \\\\u \\"),
          "c:\\x \\u005cu000a \\\\u005cu \\"},
+        {"no end", QString(20000, QLatin1Char('x')), longest.constData()},
         {"other languages", QStringLiteral("\u00e9\u65e5\u0301\t"),
          "\xc3\xa9\xe6\x97\xa5\xcc\x81\\u0009"},
     };

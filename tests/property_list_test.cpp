@@ -457,6 +457,50 @@ qint64 peak_bytes()
     return qint64(usage.ru_maxrss) * 1024;
 }
 
+TEST(property_list, hands_out_texts_up_to_the_limit)
+{
+    constexpr int limit = 1 << 20;
+    const QString most(limit, QLatin1Char('x'));
+    const QString wide = QString(limit - 1, QChar(0x20ac));
+    const QString pair = QString::fromUtf8("\xf0\x9f\xa6\x86");
+    const auto xml = [](const QString &text) {
+        return "<plist><string>" + text.toUtf8() + "</string></plist>";
+    };
+    const auto cdata = [](const QString &text) {
+        return "<plist><string>a<![CDATA[" + text.toUtf8() + "]]></string></plist>";
+    };
+    const auto binary = [](const QString &text, bool is_wide) {
+        binary_list_builder builder(4);
+        const QByteArray ascii = text.toLatin1();
+        return builder.list(quint64(is_wide ? builder.wide_text(text) : builder.text(ascii)));
+    };
+    const struct
+    {
+        const char *name;
+        QByteArray bytes;
+        QString expected;
+        bool is_cut;
+    } rows[] = {
+        {"XML, at the limit", xml(most), most, false},
+        {"XML, beyond", xml(most + 'y'), most, true},
+        {"XML, several bytes each", xml(wide + wide), wide + QChar(0x20ac), true},
+        {"XML, a pair at the limit", xml(wide + pair), wide, true},
+        {"XML, two pieces", cdata(most), 'a' + most.left(limit - 1), true},
+        {"binary, at the limit", binary(most, false), most, false},
+        {"binary, beyond", binary(most + 'y', false), most, true},
+        {"binary, wide", binary(wide + wide, true), wide + QChar(0x20ac), true},
+        {"binary, a pair at the limit", binary(wide + pair, true), wide, true},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        property_list list;
+        ASSERT_TRUE(list.load_bytes(row.bytes));
+        EXPECT_TRUE(list.root().text() == row.expected); // too long to be printed
+        EXPECT_EQ(list.root().take_cut_text(), row.is_cut);
+        EXPECT_FALSE(list.root().take_cut_text());
+    }
+}
+
 TEST(property_list, refuses_hostile_lists_within_the_bound_of_memory)
 {
     const auto repeated = [](const char *piece, qint64 total_bytes) {

@@ -83,6 +83,24 @@ TEST_F(source_boundary_test, follows_links_as_the_examined_machine_would)
     }
 }
 
+// Otherwise one name could take minutes, and gigabytes.
+TEST_F(source_boundary_test, misses_paths_that_no_system_opens)
+{
+    const support::source_boundary boundary(root);
+    const QString home = root + QStringLiteral("Users/alice/");
+    const QString there_and_back = QStringLiteral("docs/../");
+    EXPECT_EQ(boundary.resolve(home + there_and_back.repeated(500) + "docs/a").where,
+              reach::inside);
+    EXPECT_EQ(boundary.resolve(home + there_and_back.repeated(600) + "docs/a").where,
+              reach::missing);
+    for (int i = 0; i < 30; ++i)
+        link(QByteArray("l" + QByteArray::number(i)).constData(),
+             there_and_back.repeated(500) + QStringLiteral("l%1").arg(i + 1));
+    link("l30", QStringLiteral("docs/a"));
+    EXPECT_EQ(boundary.resolve(home + "l28").where, reach::inside);
+    EXPECT_EQ(boundary.resolve(home + "l0").where, reach::missing);
+}
+
 TEST_F(source_boundary_test, refuses_what_does_not_start_at_the_root)
 {
     const support::source_boundary boundary(root);

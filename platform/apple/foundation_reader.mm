@@ -89,8 +89,8 @@ QString foundation_reader::class_name(property_list_node node) const {
 }
 
 QString foundation_reader::text(property_list_node node) const {
-    return contained_in_pool(QString(), [node] {
-        return text_of(as_cf<CFStringRef>(as<NSString>([NSString class], node)));
+    return contained_in_pool(QString(), [this, node] {
+        return within_limit(text_of(as_cf<CFStringRef>(as<NSString>([NSString class], node))));
     });
 }
 

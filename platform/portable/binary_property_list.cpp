@@ -251,12 +251,13 @@ QString binary_property_list::text(property_list_node node) const
     const object found = object_at(node);
     if (found.kind != value_kind::text || !spend(found.count))
         return {};
-    const int length = static_cast<int>(found.count);
+    // One more than allowed tells that there are more.
+    const int length = static_cast<int>(std::min<quint64>(found.count, longest_text_units + 1));
     if (found.type == ascii_type)
-        return QString(QLatin1String(reinterpret_cast<const char *>(found.content), length));
+        return within_limit(QLatin1String(reinterpret_cast<const char *>(found.content), length));
     QString text(length, Qt::Uninitialized);
     qFromBigEndian<quint16>(found.content, length, text.data());
-    return text;
+    return within_limit(text);
 }
 
 double binary_property_list::double_value(property_list_node node) const

@@ -68,9 +68,12 @@ pugi::xml_node previous_element(pugi::xml_node element)
     return back_to_element(element.previous_sibling());
 }
 
-QString from_utf8(const char *bytes)
+// Bytes from which more UTF-16 units come than a text may have, whatever a cut at their end breaks.
+constexpr size_t more_than_longest_text_bytes = 3 * (size_t(longest_text_units) + 2);
+
+QString from_utf8(const char *bytes, size_t length)
 {
-    const QString text = QString::fromUtf8(bytes);
+    const QString text = QString::fromUtf8(bytes, static_cast<int>(length));
     // Qt takes a leading byte-order mark away; inside a list it is a character of the text.
     return std::strncmp(bytes, "\xef\xbb\xbf", 3) == 0 ? QChar(QChar::ByteOrderMark) + text : text;
 }
@@ -78,9 +81,12 @@ QString from_utf8(const char *bytes)
 QString joined_text(pugi::xml_node element)
 {
     QByteArray pieces(element.value());
-    for (const pugi::xml_node piece : element.children())
+    for (const pugi::xml_node piece : element.children()) {
+        if (static_cast<size_t>(pieces.size()) > more_than_longest_text_bytes)
+            break;
         pieces += piece.value();
-    return from_utf8(pieces.constData());
+    }
+    return from_utf8(pieces.constData(), static_cast<size_t>(pieces.size()));
 }
 
 bool is_ascii(const char *bytes, int length)
@@ -281,13 +287,16 @@ QString xml_property_list::text_of(pugi::xml_node element) const
 {
     if (has_cdata_ && element.first_child())
         return joined_text(element);
-    return is_ascii_ ? QString::fromLatin1(element.value()) : from_utf8(element.value());
+    const char *const bytes = element.value();
+    const size_t length = strnlen(bytes, more_than_longest_text_bytes);
+    return is_ascii_ ? QString::fromLatin1(bytes, static_cast<int>(length))
+                     : from_utf8(bytes, length);
 }
 
 QString xml_property_list::text(property_list_node node) const
 {
     const pugi::xml_node element = to_node(node);
-    return kind_of(element) == value_kind::text ? text_of(element) : QString();
+    return kind_of(element) == value_kind::text ? within_limit(text_of(element)) : QString();
 }
 
 double xml_property_list::double_value(property_list_node node) const

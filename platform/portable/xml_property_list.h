@@ -66,6 +66,7 @@ private:
     // Null when the dictionary is too large for it.
     [[nodiscard]] const dictionary_index *index_of(property_list_node dictionary) const;
     bool read_entries(pugi::xml_node dictionary, std::vector<dictionary_entry> *entries) const;
+    // The text, at least as far as it is handed out.
     [[nodiscard]] QString text_of(pugi::xml_node element) const;
 
     pugi::xml_document document_;
