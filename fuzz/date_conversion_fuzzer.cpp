@@ -24,7 +24,7 @@ public:
     }
     std::optional<platform::attribute_description> attribute(const QString &) const override
     {
-        return platform::attribute_description{text_, true};
+        return platform::attribute_description{text_, text_};
     }
 
 private:

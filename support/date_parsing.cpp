@@ -91,19 +91,22 @@ private:
         return true;
     }
 
-    bool number(int fewest_digits, int most_digits, int *value)
+    // A plus sign takes the place of a digit, as Qt has it.
+    bool number(int fewest_characters, int most_characters, int *value)
     {
-        int digits = 0;
+        const int start = text_position_;
+        const bool has_sign = start < text_.size() && text_.at(start) == QLatin1Char('+');
+        text_position_ += has_sign ? 1 : 0;
+        const int first_digit = text_position_;
         *value = 0;
-        while (digits < most_digits && text_position_ < text_.size()) {
+        while (text_position_ - start < most_characters && text_position_ < text_.size()) {
             const ushort unit = text_.at(text_position_).unicode();
             if (unit < '0' || unit > '9')
                 break;
             *value = *value * 10 + (unit - '0');
-            ++digits;
             ++text_position_;
         }
-        return digits >= fewest_digits;
+        return text_position_ > first_digit && text_position_ - start >= fewest_characters;
     }
 
     bool word(const char *lower_case)

@@ -34,7 +34,10 @@ QString percent_decoded(const QString &text)
         decoded += static_cast<char>(high * 16 + low);
         i += 2;
     }
-    return QString::fromUtf8(decoded.constData(), decoded.size());
+    const QString result = QString::fromUtf8(decoded.constData(), decoded.size());
+    // Qt takes a leading byte-order mark away; here it is a character of the text.
+    const bool is_marked = decoded.startsWith("\xef\xbb\xbf");
+    return is_marked ? QChar(QChar::ByteOrderMark) + result : result;
 }
 
 } // namespace support
