@@ -31,9 +31,9 @@ const extractor_profile bookmarks_profile = {
 
 namespace {
 
-constexpr key_field<bookmark_row> text_keys[] = {
-    {"Path", &bookmark_row::remote_path},
-    {"Nickname", &bookmark_row::nickname},
+const key_field<bookmark_row> text_keys[] = {
+    {QStringLiteral("Path"), &bookmark_row::remote_path},
+    {QStringLiteral("Nickname"), &bookmark_row::nickname},
 };
 
 } // namespace
@@ -41,10 +41,10 @@ constexpr key_field<bookmark_row> text_keys[] = {
 bookmark_row read_bookmark(const loaded_list &list, const path_mapper &paths)
 {
     bookmark_row row;
-    row.upload_folder =
-        paths.shown_folder(recorded_path(list.root, "Upload Folder Dictionary"), list.user);
-    row.download_folder =
-        paths.shown_folder(recorded_path(list.root, "Download Folder Dictionary"), list.user);
+    row.upload_folder = paths.shown_folder(
+        recorded_path(list.root, QStringLiteral("Upload Folder Dictionary")), list.user);
+    row.download_folder = paths.shown_folder(
+        recorded_path(list.root, QStringLiteral("Download Folder Dictionary")), list.user);
     read_texts(list.root, text_keys, &row);
     read_connection(list.root, &row);
     return row;

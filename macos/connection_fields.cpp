@@ -6,10 +6,13 @@ namespace macos {
 
 namespace {
 
-constexpr key_field<connection_fields> text_keys[] = {
-    {"Protocol", &connection_fields::protocol}, {"UUID", &connection_fields::uuid},
-    {"Hostname", &connection_fields::hostname}, {"Port", &connection_fields::port},
-    {"Username", &connection_fields::username}, {"Comment", &connection_fields::comment},
+const key_field<connection_fields> text_keys[] = {
+    {QStringLiteral("Protocol"), &connection_fields::protocol},
+    {QStringLiteral("UUID"), &connection_fields::uuid},
+    {QStringLiteral("Hostname"), &connection_fields::hostname},
+    {QStringLiteral("Port"), &connection_fields::port},
+    {QStringLiteral("Username"), &connection_fields::username},
+    {QStringLiteral("Comment"), &connection_fields::comment},
 };
 
 } // namespace
@@ -17,7 +20,7 @@ constexpr key_field<connection_fields> text_keys[] = {
 void read_connection(const platform::property_list_value &dictionary, connection_fields *fields)
 {
     read_texts(dictionary, text_keys, fields);
-    fields->access_timestamp = seconds_text(dictionary, "Access Timestamp");
+    fields->access_timestamp = seconds_text(dictionary, QStringLiteral("Access Timestamp"));
 }
 
 } // namespace macos

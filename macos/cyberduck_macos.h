@@ -37,6 +37,13 @@ struct local_copy_facts
     QString born; // seconds since 1970 UTC; null when the file system does not tell
 };
 
+// A path as it was recorded, below the source's root, and where it leads.
+struct placed_file
+{
+    QString path;
+    support::resolved_path place;
+};
+
 } // namespace macos
 
 class cyberduck_macos : public QWidget
@@ -109,13 +116,17 @@ private:
 
     // Transfers: one list, one item of it, what is known of the item's local copy.
     macos::step read_transfer(const macos::loaded_list &list, macos::extractor_run *run);
+    // `row` has the transfer's own fields; those of the item before are replaced.
     void insert_item(const platform::property_list_value &item, const QString &user,
-                     const macos::transfer_row &shared, macos::extractor_run *run);
+                     macos::transfer_row *row, macos::extractor_run *run);
     void describe_local_copy(const QString &local_path, const support::resolved_path &place,
                              macos::transfer_row *row);
     // What is known of the file or folder at a resolved path; remembered for a while, since a queue
     // may name the same large folder in every item.
     [[nodiscard]] macos::local_copy_facts facts_of(const QString &real_path);
+    [[nodiscard]] QPair<QString, QString>
+    attributes_of_files(const QList<macos::placed_file> &files,
+                        const QList<QStringList> &attribute_lists) const;
     [[nodiscard]] support::resolved_path place_in_source(const QString &path) const;
     // The same for a path that is resolved already.
     [[nodiscard]] struct_GLOBAL_ARTIFACT_cfstring_attributes
@@ -147,5 +158,6 @@ private:
     QStringList preferences_file_list;
 
     qint64 signal_interval_ms = 1000;
+    QPair<QString, QString> attributes_of_no_file_;         // made once a run, 5 µs less an item
     QCache<QString, macos::local_copy_facts> known_copies_; // by resolved path
 };

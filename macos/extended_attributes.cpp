@@ -211,6 +211,16 @@ QPair<QString, QString> cyberduck_macos::position_at(const QString &real_path) c
 QPair<QString, QString> cyberduck_macos::get_extended_attributes(QStringList file_paths,
                                                                  QList<QStringList> attribute_lists)
 {
+    QList<macos::placed_file> files;
+    for (const QString &path : qAsConst(file_paths))
+        files.append({path, place_in_source(path)});
+    return attributes_of_files(files, attribute_lists);
+}
+
+QPair<QString, QString>
+cyberduck_macos::attributes_of_files(const QList<macos::placed_file> &files,
+                                     const QList<QStringList> &attribute_lists) const
+{
     const macos::path_mapper paths(fs_extraction_source_path, source_type_internal);
     QString search_text;
     QByteArray buffer;
@@ -218,15 +228,15 @@ QPair<QString, QString> cyberduck_macos::get_extended_attributes(QStringList fil
     xml.setAutoFormatting(true);
     xml.writeStartDocument();
     xml.writeStartElement(QStringLiteral("Extended_Attributes_XML_Header"));
-    for (int i = 0; i < file_paths.size() && !cancel_extraction_flag; ++i) {
-        const support::resolved_path place = place_in_source(file_paths.at(i));
-        if (place.where != support::reach::inside)
+    for (int i = 0; i < files.size() && !cancel_extraction_flag; ++i) {
+        const macos::placed_file &file = files.at(i);
+        if (file.place.where != support::reach::inside)
             continue;
         xml.writeStartElement(QStringLiteral("Extended_Attributes_Artifact_Source_Header"));
         xml.writeTextElement(QStringLiteral("File_Path"),
-                             writable_in_xml(paths.untrimmed_display(file_paths.at(i))));
+                             writable_in_xml(paths.untrimmed_display(file.path)));
         // Without an item the element holds the path alone.
-        const auto item = plugin_static_function::metadata_catalog()->item(place.path);
+        const auto item = plugin_static_function::metadata_catalog()->item(file.place.path);
         if (item)
             write_attributes(*item, attribute_lists.value(i), &xml, &search_text);
         xml.writeEndElement();

@@ -11,37 +11,42 @@ constexpr int seconds_digits = 10; // of a time stamp between 2001 and 2286
 
 } // namespace
 
-QString trimmed_text(const platform::property_list_value &dictionary, const char *key)
+QString trimmed_text(const platform::property_list_value &dictionary, const QString &key)
 {
-    return dictionary.value(QLatin1String(key)).text().trimmed();
+    return dictionary.value(key).text().trimmed();
 }
 
-QString seconds_text(const platform::property_list_value &dictionary, const char *key)
+QString seconds_text(const platform::property_list_value &dictionary, const QString &key)
 {
     return trimmed_text(dictionary, key).left(seconds_digits);
 }
 
 platform::property_list_value dictionary_of(const platform::property_list_value &parent,
-                                            const char *key)
+                                            const QString &key)
 {
-    const platform::property_list_value value = parent.value(QLatin1String(key));
+    const platform::property_list_value value = parent.value(key);
     return value.is(platform::value_kind::dictionary) ? value : platform::property_list_value();
 }
 
-QString recorded_path(const platform::property_list_value &parent, const char *key)
+QString recorded_path(const platform::property_list_value &parent, const QString &key)
 {
-    return trimmed_text(dictionary_of(parent, key), "Path");
+    return trimmed_text(dictionary_of(parent, key), QStringLiteral("Path"));
 }
 
-void fill_origin(const loaded_list &list, const run_environment &environment, row_origin *row)
+row_origin origin_of(const QString &user, const run_environment &environment)
 {
-    const path_mapper paths(environment.source_root, environment.source_type);
-    const QPair<QString, QString> files = paths.source_files(list.path, list.user);
-    row->system_user = list.user;
+    row_origin origin;
+    origin.system_user = user;
+    origin.source_count_name = plugin_static_function::get_source_count_name();
+    origin.os_scheme_display = environment.os_display;
+    return origin;
+}
+
+void set_place(const QString &path, const path_mapper &paths, row_origin *row)
+{
+    const QPair<QString, QString> files = paths.source_files(path, row->system_user);
     row->source_file = files.first;
     row->artifacts_relation_source_file = files.second;
-    row->source_count_name = plugin_static_function::get_source_count_name();
-    row->os_scheme_display = environment.os_display;
 }
 
 extractor_run::extractor_run(const extractor_profile &profile, const run_environment &environment)
@@ -110,6 +115,7 @@ step extractor_run::read_folder(const QString &folder,
         log(profile_.words.outside_source, folder);
     if (real.where != support::reach::inside)
         return step::done;
+    origin_ = origin_of(user, environment_);
     support::folder_walk walk(folder, real.path);
     while (walk.next()) {
         if (is_cancelled())
@@ -121,31 +127,31 @@ step extractor_run::read_folder(const QString &folder,
     return step::done;
 }
 
-std::optional<QString> extractor_run::openable_path(const support::folder_walk &walk) const
+extractor_run::found extractor_run::load_entry(const support::folder_walk &walk)
 {
     if (!walk.name_is_text()) {
         log(profile_.words.path_failed, walk.path());
-        return std::nullopt;
+        return found::nothing;
     }
     if (walk.kind() != support::folder_walk::entry_kind::link)
-        return walk.real_path();
+        return list_.load(walk) ? found::list : found::no_list;
     const support::resolved_path real = boundary_.resolve(walk.real_path());
     if (real.where == support::reach::inside)
-        return real.path;
+        return list_.load(real.path) ? found::list : found::no_list;
     if (real.where == support::reach::outside)
         log(profile_.words.outside_source, walk.path());
-    return std::nullopt; // a dangling link is no entry
+    return found::nothing; // a dangling link is no entry
 }
 
 step extractor_run::read_entry(const support::folder_walk &walk, const QString &user,
                                const std::function<step(const loaded_list &)> &read)
 {
-    const std::optional<QString> place = openable_path(walk);
-    if (!place)
+    const platform::release_pool pool; // for what the values of this list leave to one
+    const found outcome = load_entry(walk);
+    if (outcome == found::nothing)
         return step::done;
     const QString path = walk.path();
-    const platform::release_pool pool; // for what the values of this list leave to one
-    if (!list_.load(*place)) {
+    if (outcome == found::no_list) {
         log(profile_.words.list_failed, path);
         return step::done;
     }

@@ -2,6 +2,8 @@
 
 #include "support/plugin_static_function.h"
 
+#include <QStringBuilder>
+
 namespace macos {
 
 path_mapper::path_mapper(const QString &source_root, const QString &source_type)
@@ -12,7 +14,9 @@ path_mapper::path_mapper(const QString &source_root, const QString &source_type)
 
 QString path_mapper::reachable(const QString &recorded, const QString &user) const
 {
-    return source_root_ + QLatin1String("Users/") + user + recorded.trimmed().mid(1);
+    const QStringView home_relative = QStringView(recorded).trimmed();
+    return source_root_ % QLatin1String("Users/") % user %
+           home_relative.mid(home_relative.isEmpty() ? 0 : 1);
 }
 
 QString path_mapper::display(const QString &path) const
@@ -22,12 +26,11 @@ QString path_mapper::display(const QString &path) const
 
 QString path_mapper::untrimmed_display(const QString &path) const
 {
-    QString shown = path;
-    if (shown.startsWith(source_root_))
-        shown.remove(0, source_root_.size());
-    if (!shown.startsWith(QLatin1Char('/')) && !shown.trimmed().isEmpty())
-        shown.prepend(QLatin1Char('/'));
-    return shown;
+    const bool below = path.startsWith(source_root_);
+    const QStringView rest = QStringView(path).mid(below ? source_root_.size() : 0);
+    if (rest.startsWith(QLatin1Char('/')) || rest.trimmed().isEmpty())
+        return below ? rest.toString() : path;
+    return QLatin1Char('/') % rest;
 }
 
 QString path_mapper::shown(const QString &path, const QString &user) const

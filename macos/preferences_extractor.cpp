@@ -107,7 +107,9 @@ void cyberduck_macos::insert_values_fun(QString label, QString value, QSqlDataba
     log_insert(QStringLiteral("[insert_values_fun] starts"));
     insert_statement statement(database, preferences_statement);
     preference_row row;
-    fill_origin({plist_path, user_name, {}}, environment(), &row);
+    const run_environment around = environment();
+    static_cast<row_origin &>(row) = origin_of(user_name, around);
+    set_place(plist_path, path_mapper(around.source_root, around.source_type), &row);
     row.key = label;
     row.value = value;
     if (statement.insert_row(preference_columns, row)) {

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstddef>
+#include <vector>
 
 namespace macos {
 
@@ -74,6 +75,7 @@ private:
     QSqlQuery query_;
     QString statement_;
     bool prepared_;
+    std::vector<QString> bound_; // what the query has for each column
 };
 
 } // namespace macos

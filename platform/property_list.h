@@ -11,6 +11,10 @@
 #include <memory>
 #include <utility>
 
+namespace support {
+class folder_walk;
+}
+
 namespace platform {
 
 // What a value is. `absent` stands for a missing key, an index out of range, or a value that the
@@ -148,6 +152,8 @@ public:
     // such file, no regular file, larger than the limit, unreadable, not a list, another top value.
     // The former content is gone either way.
     bool load(const QString &path);
+    // The same for the current entry of a walk, which must be no link.
+    bool load(const support::folder_walk &entry);
     // The same for bytes at hand; the top value may be of any kind. False when they are no list.
     bool load_bytes(const QByteArray &bytes);
 

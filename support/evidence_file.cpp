@@ -16,15 +16,15 @@ namespace {
 // O_NONBLOCK keeps the open of a FIFO from waiting for a writer.
 constexpr int read_only_flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
 
-int open_unchanged(const char *path)
+int open_unchanged(int folder, const char *path)
 {
 #ifdef O_NOATIME
-    const int descriptor = ::open(path, read_only_flags | O_NOATIME);
+    const int descriptor = ::openat(folder, path, read_only_flags | O_NOATIME);
     // Only the owner may ask for it; everybody else gets EPERM.
     if (descriptor >= 0 || errno != EPERM)
         return descriptor;
 #endif
-    return ::open(path, read_only_flags);
+    return ::openat(folder, path, read_only_flags);
 }
 
 } // namespace
@@ -57,8 +57,13 @@ bool evidence_file::open(const QString &path)
 
 bool evidence_file::open(const char *encoded_path)
 {
+    return open_at(AT_FDCWD, encoded_path);
+}
+
+bool evidence_file::open_at(int folder, const char *encoded_name)
+{
     close();
-    descriptor_ = open_unchanged(encoded_path);
+    descriptor_ = open_unchanged(folder, encoded_name);
     if (descriptor_ < 0)
         return false;
     struct stat status = {};

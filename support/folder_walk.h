@@ -29,6 +29,8 @@ public:
     // Of the current entry. `name` is valid until the next step.
     [[nodiscard]] const QByteArray &name() const { return name_; }
     [[nodiscard]] entry_kind kind() const { return kind_; }
+    // The open folder that holds it, for the calls that take one; valid until the next step.
+    [[nodiscard]] int folder_descriptor() const { return ::dirfd(directory_.get()); }
     // Full path, starting with the recorded folder.
     [[nodiscard]] QString path() const;
     // Full path, starting with the real folder.
@@ -50,7 +52,8 @@ private:
     QByteArray real_;                         // ends in "/"
     std::vector<QByteArray> pending_folders_; // below the walk's folder, each ends in "/"
     std::unique_ptr<DIR, directory_closer> directory_;
-    QByteArray folder_; // the open one, below the walk's folder; empty or ends in "/"
+    QByteArray folder_;    // the open one, below the walk's folder; empty or ends in "/"
+    QString shown_folder_; // its path, starting with the recorded one, decoded once for all entries
     QByteArray name_;
     entry_kind kind_ = entry_kind::file;
 };

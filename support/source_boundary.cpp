@@ -170,12 +170,39 @@ resolved_path source_boundary::resolve(const QString &path) const
     if (encoded.contains('\0') || encoded.size() - root_.size() > longest_path_bytes)
         return {reach::missing, {}};
     const bool relative = root_ == "./" && !encoded.startsWith(root_);
+    return resolve_below(is_root ? QByteArray() : encoded.mid(relative ? 0 : root_.size()));
+}
+
+resolved_path source_boundary::find(const QByteArray &below_root) const
+{
     walk steps(*this);
-    const reach where =
-        steps.run(is_root ? QByteArray() : encoded.mid(relative ? 0 : root_.size()));
-    if (where != reach::inside)
-        return {where, {}};
-    return {reach::inside, support::decoded_name(steps.path())};
+    const reach where = steps.run(below_root);
+    return {where, where == reach::inside ? support::decoded_name(steps.path()) : QString()};
+}
+
+resolved_path source_boundary::resolve_below(const QByteArray &below_root) const
+{
+    const int name_start = below_root.lastIndexOf('/') + 1;
+    const QByteArray name = below_root.mid(name_start);
+    if (name_start == 0 || name.isEmpty() || name == "." || name == "..")
+        return find(below_root);
+    const QByteArray folder = below_root.left(name_start - 1);
+    if (!last_folder_ || last_folder_->below_root != folder) {
+        const resolved_path found = find(folder);
+        last_folder_ = {folder, found.where, support::encoded_name(found.path)};
+    }
+    if (last_folder_->where != reach::inside)
+        return {last_folder_->where, {}};
+    QByteArray path = last_folder_->path;
+    if (!path.endsWith('/'))
+        path += '/';
+    path += name;
+    struct stat status = {};
+    if (::lstat(path.constData(), &status) != 0)
+        return {reach::missing, {}};
+    if (!S_ISLNK(status.st_mode))
+        return {reach::inside, support::decoded_name(path)};
+    return find(below_root);
 }
 
 } // namespace support

@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <optional>
+
 namespace support {
 
 // Where a path leads.
@@ -30,10 +32,24 @@ public:
     // `missing` when a component does not exist. At most 40 links are followed, as by the system,
     // and a path of more than 4,096 bytes below the root, or of as many names, is missing: no file
     // can be opened by it.
+    // The folder that was resolved last is remembered: of its next file only the last component is
+    // looked at, which takes 1 µs instead of one for each component. Not thread-safe.
     [[nodiscard]] resolved_path resolve(const QString &path) const;
 
 private:
     class walk;
+    struct resolved_folder
+    {
+        QByteArray below_root; // as it was asked for
+        reach where = reach::missing;
+        QByteArray path; // free of links
+    };
+
+    [[nodiscard]] resolved_path resolve_below(const QByteArray &below_root) const;
+    // The same without what is remembered.
+    [[nodiscard]] resolved_path find(const QByteArray &below_root) const;
+
+    mutable std::optional<resolved_folder> last_folder_;
     QByteArray root_;      // as given, encoded, with a trailing "/"
     QByteArray real_root_; // free of links, with a trailing "/"; empty when there is no such folder
 };

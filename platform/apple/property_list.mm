@@ -4,6 +4,7 @@
 #include "foundation_reader.h"
 
 #include "platform/safe_list.h"
+#include "support/folder_walk.h"
 
 namespace platform {
 
@@ -48,6 +49,8 @@ bool property_list::load(const QString &path) {
             contained_in_pool(cf_ref<CFTypeRef>(), [&path] { return dictionary_of_file(path); });
     return root().is(value_kind::dictionary);
 }
+
+bool property_list::load(const support::folder_walk &entry) { return load(entry.real_path()); }
 
 bool property_list::load_bytes(const QByteArray &bytes) {
     implementation_->root = cf_ref<CFTypeRef>();

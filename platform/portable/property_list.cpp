@@ -3,6 +3,7 @@
 #include "binary_property_list.h"
 #include "platform/property_list_limits.h"
 #include "support/evidence_file.h"
+#include "support/folder_walk.h"
 #include "xml_property_list.h"
 
 #include <new>
@@ -21,7 +22,8 @@ class property_list::implementation
 public:
     implementation() { bytes_.reserve(usual_list_bytes); }
 
-    bool load_file(const QString &path);
+    // `open` gets the file to open and returns whether it did.
+    template <typename Open> bool load_file(Open open);
     bool load_copy(const QByteArray &bytes);
     [[nodiscard]] property_list_value root() const;
 
@@ -38,12 +40,12 @@ private:
     property_list_node root_ = 0;
 };
 
-bool property_list::implementation::load_file(const QString &path)
+template <typename Open> bool property_list::implementation::load_file(Open open)
 {
     try {
         forget();
         support::evidence_file file;
-        if (file.open(path) && file.read_all(&bytes_, largest_list_bytes))
+        if (open(&file) && file.read_all(&bytes_, largest_list_bytes))
             read_bytes();
     } catch (const std::bad_alloc &) {
         // Like a file that cannot be read.
@@ -114,7 +116,15 @@ property_list::~property_list() = default;
 
 bool property_list::load(const QString &path)
 {
-    return implementation_->load_file(path);
+    return implementation_->load_file(
+        [&path](support::evidence_file *file) { return file->open(path); });
+}
+
+bool property_list::load(const support::folder_walk &entry)
+{
+    return implementation_->load_file([&entry](support::evidence_file *file) {
+        return file->open_at(entry.folder_descriptor(), entry.name().constData());
+    });
 }
 
 bool property_list::load_bytes(const QByteArray &bytes)
