@@ -167,8 +167,7 @@ void insert_rows(benchmark::State &state)
         source().empty("bookmarks");
         macos::result_connection connection(QStringLiteral("benchmark"), source().database());
         connection.open();
-        macos::insert_statement statement(connection.database(),
-                                          macos::bookmarks_profile.statement);
+        macos::insert_statement statement(connection, macos::bookmarks_profile.statement);
         for (int i = 0; i < list_count; ++i) {
             if (!statement.insert_row(macos::bookmark_columns, row))
                 state.SkipWithError("a row was not inserted");

@@ -73,7 +73,7 @@ bool extractor_run::open()
         log(profile_.words.failed_end);
         return false;
     }
-    statement_.emplace(connection_.database(), profile_.statement);
+    statement_.emplace(connection_, profile_.statement);
     return true;
 }
 

@@ -1,18 +1,24 @@
 #include "result_connection.h"
 
+#include "query_row_writer.h"
+#include "sqlite_row_writer.h"
 #include "support/database_wait.h"
 
 #include <QSqlError>
-#include <QVariant>
+#include <QSqlQuery>
 
 namespace macos {
 
 namespace {
 
-// Whether two texts share their characters; null and empty ones have characters of their own.
-bool is_same_object(const QString &left, const QString &right)
+bool open_database(QSqlDatabase *database, sqlite3 **connection)
 {
-    return left.constData() == right.constData() && left.size() == right.size();
+#ifdef CYBERDUCK_SHARES_SQLITE
+    return open_seeing_connection(database, connection);
+#else
+    *connection = nullptr;
+    return database->open();
+#endif
 }
 
 } // namespace
@@ -35,7 +41,7 @@ result_connection::~result_connection()
 bool result_connection::open()
 {
     support::wait_as_allowed(&database_);
-    if (!database_.open())
+    if (!open_database(&database_, &connection_))
         return false;
     begin();
     return true;
@@ -73,41 +79,23 @@ QString result_connection::error_text() const
     return database_.lastError().text();
 }
 
+std::unique_ptr<row_writer> result_connection::make_writer(const char *statement) const
+{
+#ifdef CYBERDUCK_SHARES_SQLITE
+    if (connection_ != nullptr)
+        return std::make_unique<sqlite_row_writer>(connection_, statement);
+#endif
+    return std::make_unique<query_row_writer>(database_, statement);
+}
+
+insert_statement::insert_statement(const result_connection &connection, const char *statement)
+    : writer_(connection.make_writer(statement))
+{
+}
+
 insert_statement::insert_statement(const QSqlDatabase &database, const char *statement)
-    : query_(database)
-    , statement_(QLatin1String(statement))
-    , prepared_(query_.prepare(statement_))
+    : writer_(std::make_unique<query_row_writer>(database, statement))
 {
-}
-
-bool insert_statement::insert(const QString *const *values, int count)
-{
-    if (!prepared_)
-        prepared_ = query_.prepare(statement_);
-    // Executing an unprepared statement would replace the error that says why it is not.
-    if (!prepared_)
-        return false;
-    bound_.resize(static_cast<size_t>(count));
-    for (int i = 0; i < count; ++i) {
-        QString &bound = bound_[static_cast<size_t>(i)];
-        // Most columns of neighbouring rows share one text, and binding costs 0.15 µs each.
-        if (query_.isActive() && is_same_object(bound, *values[i]))
-            continue;
-        query_.bindValue(i, *values[i]);
-        bound = *values[i];
-    }
-    return query_.exec();
-}
-
-QString insert_statement::error_text() const
-{
-    return query_.lastError().text();
-}
-
-QString insert_statement::executed_query() const
-{
-    const QString executed = query_.executedQuery();
-    return executed.isEmpty() ? statement_ : executed;
 }
 
 } // namespace macos

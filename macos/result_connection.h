@@ -1,13 +1,16 @@
 // Writing rows into the result database.
 #pragma once
 
+#include "row_writer.h"
+
 #include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QString>
 
 #include <array>
 #include <cstddef>
-#include <vector>
+#include <memory>
+
+struct sqlite3;
 
 namespace macos {
 
@@ -41,12 +44,15 @@ public:
     bool begin_after_loss();
     [[nodiscard]] QString error_text() const;
     [[nodiscard]] QSqlDatabase &database() { return database_; }
+    // What runs an insert statement on the open connection, the quickest way there is.
+    [[nodiscard]] std::unique_ptr<row_writer> make_writer(const char *statement) const;
 
 private:
     void begin();
 
     QString name_;
     QSqlDatabase database_;
+    sqlite3 *connection_ = nullptr; // the driver's own; null where it cannot be shared
 };
 
 // One insert statement, prepared once for many rows; again as long as the database refuses that,
@@ -54,6 +60,8 @@ private:
 class insert_statement
 {
 public:
+    insert_statement(const result_connection &connection, const char *statement);
+    // On a connection of the host's.
     insert_statement(const QSqlDatabase &database, const char *statement);
 
     // Binds the row's texts in the columns' order and inserts it; a null text becomes NULL. On
@@ -64,18 +72,13 @@ public:
         std::array<const QString *, Count> values;
         for (size_t i = 0; i < Count; ++i)
             values[i] = &(row.*columns[i].field);
-        return insert(values.data(), static_cast<int>(Count));
+        return writer_->insert(values.data(), static_cast<int>(Count));
     }
-    [[nodiscard]] QString error_text() const;
-    [[nodiscard]] QString executed_query() const;
+    [[nodiscard]] QString error_text() const { return writer_->error_text(); }
+    [[nodiscard]] QString executed_query() const { return writer_->executed_query(); }
 
 private:
-    bool insert(const QString *const *values, int count);
-
-    QSqlQuery query_;
-    QString statement_;
-    bool prepared_;
-    std::vector<QString> bound_; // what the query has for each column
+    std::unique_ptr<row_writer> writer_;
 };
 
 } // namespace macos
