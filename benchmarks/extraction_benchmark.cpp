@@ -1,137 +1,49 @@
-// What an extraction costs, step by step and as a whole, over generated lists: microseconds per
-// list read, per row inserted and per list end to end.
+// What each step of an extraction costs, in microseconds for one list or row, and each extractor as
+// a whole.
+#include "generated_source.h"
 #include "macos/bookmarks_extractor.h"
 #include "macos/cyberduck_macos.h"
-#include "macos/history_extractor.h"
-#include "macos/preferences_extractor.h"
-#include "macos/preferences_table.h"
 #include "platform/property_list.h"
-#include "plugin/cyberduck.h"
-#include "support/plugin_static_function.h"
+#include "support/evidence_file.h"
+#include "support/folder_walk.h"
+#include "tests/support/binary_list_builder.h"
 
 #include <QApplication>
-#include <QDir>
-#include <QDirIterator>
-#include <QFile>
-#include <QTemporaryDir>
+#include <QElapsedTimer>
 
 #include <benchmark/benchmark.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <memory>
+#include <utility>
+#include <vector>
 
 namespace {
 
 constexpr int list_count = 20000;
-constexpr int preference_keys = 2000;
-
-const QString user = QStringLiteral("alice");
-
-QByteArray text_entry(const char *key, const QByteArray &value)
-{
-    return QByteArray("\t<key>") + key + "</key>\n\t<string>" + value + "</string>\n";
-}
-
-// About 1.3 KB, as the client writes them.
-QByteArray connection_list(int number)
-{
-    const QByteArray digits = QByteArray::number(number);
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist>\n<dict>\n" +
-           text_entry("Protocol", "sftp") + text_entry("Provider", "iterate GmbH") +
-           text_entry("Nickname", "Server number " + digits) +
-           text_entry("UUID", "1d3c2b6a-7d1e-4f2f-9c0a-" + digits.rightJustified(12, '0')) +
-           text_entry("Hostname", "host" + digits + ".example.org") + text_entry("Port", "22") +
-           text_entry("Username", "alice") + text_entry("Path", "/home/alice/project " + digits) +
-           text_entry("Access Timestamp", "1589021112345") +
-           text_entry("Comment", QByteArray(400, 'c')) +
-           "\t<key>Download Folder Dictionary</key>\n\t<dict>\n" +
-           text_entry("Path", "~/Downloads") + "\t</dict>\n" +
-           "\t<key>Upload Folder Dictionary</key>\n\t<dict>\n" + text_entry("Path", "~/Desktop") +
-           "\t</dict>\n" + "</dict>\n</plist>\n";
-}
-
-QByteArray preferences_list()
-{
-    QByteArray list =
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n<dict>\n";
-    for (const macos::preference &entry : macos::preferences())
-        list += text_entry(entry.key, "true");
-    for (int i = 0; i < preference_keys; ++i)
-        list += text_entry("some.other.preference." + QByteArray::number(i), "value");
-    return list + "</dict>\n</plist>\n";
-}
+constexpr int other_preferences = 2000;
+constexpr qint64 largest_read_bytes = 1 << 20;
 
 // One source for all measurements, made once.
-class generated_source
-{
-public:
-    generated_source()
-    {
-        const QString home = root() + QStringLiteral("Users/alice/Library/");
-        const QString data = home + QStringLiteral("Application Support/Cyberduck/");
-        for (const char *folder : {"Bookmarks/", "History/"}) {
-            QDir().mkpath(data + QLatin1String(folder));
-            for (int i = 0; i < list_count; ++i)
-                write(data + QLatin1String(folder) + QString::number(i) + QStringLiteral(".duck"),
-                      connection_list(i));
-        }
-        QDir().mkpath(home + QStringLiteral("Preferences"));
-        write(preferences(), preferences_list());
-        frame_.pub_set_engine_type(0);
-        frame_.pub_set_source_info(info());
-        frame_.pub_set_result_directory(folder_.filePath(QStringLiteral("result")));
-        frame_.pub_create_db_tables();
-    }
-
-    [[nodiscard]] QString root() const { return folder_.filePath(QStringLiteral("source/")); }
-    [[nodiscard]] QString bookmarks() const
-    {
-        return root() +
-               QStringLiteral("Users/alice/Library/Application Support/Cyberduck/Bookmarks/");
-    }
-    [[nodiscard]] QString preferences() const
-    {
-        return root() + QStringLiteral("Users/alice/Library/Preferences/ch.sudo.cyberduck.plist");
-    }
-    [[nodiscard]] QString database() const
-    {
-        return folder_.filePath(
-            QStringLiteral("result/Artifacts_Result/Cyberduck/Cyberduck.sqlite"));
-    }
-    [[nodiscard]] struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_source_info info() const
-    {
-        struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_source_info source;
-        source.fs_extraction_source_path = root();
-        source.source_type_internal = QStringLiteral("macOS_Image");
-        source.os_scheme_internal = QStringLiteral("macOS");
-        source.system_account_QList = {{user, QString()}};
-        return source;
-    }
-    void set_up(cyberduck_macos *adapter) const
-    {
-        adapter->macos_set_source_info(info());
-        adapter->macos_set_destination_location({}, {}, database());
-        adapter->macos_find_artifacts_source();
-    }
-    void empty(const char *table) const
-    {
-        plugin_static_function::execute_db_command_by_dbpath(
-            QStringLiteral("delete from ") + QLatin1String(table), database(), QString());
-    }
-
-private:
-    static void write(const QString &path, const QByteArray &content)
-    {
-        QFile file(path);
-        if (file.open(QIODevice::WriteOnly))
-            file.write(content);
-    }
-
-    QTemporaryDir folder_;
-    cyberduck frame_;
-};
-
 const generated_source &source()
 {
-    static const generated_source made;
-    return made;
+    static const std::unique_ptr<generated_source> made = [] {
+        auto fresh = std::make_unique<generated_source>();
+        fresh->write_connections(bookmarks_table, list_count);
+        fresh->write_connections(history_table, list_count);
+        fresh->write_preferences(other_preferences);
+        return fresh;
+    }();
+    return *made;
+}
+
+void set_up(cyberduck_macos *adapter)
+{
+    adapter->macos_set_source_info(source().info());
+    adapter->macos_set_destination_location({}, {}, source().database());
+    adapter->macos_find_artifacts_source();
 }
 
 void report_each(benchmark::State &state, const char *name, double count)
@@ -140,49 +52,187 @@ void report_each(benchmark::State &state, const char *name, double count)
                                                          benchmark::Counter::kInvert);
 }
 
-void read_lists(benchmark::State &state)
+template <typename Step> void walk_and(benchmark::State &state, Step step)
 {
-    QStringList paths;
-    QDirIterator files(source().bookmarks(), QDir::Files);
-    while (files.hasNext())
-        paths.append(files.next());
-    platform::property_list list;
+    const QString folder = source().lists_of(bookmarks_table);
     for (auto _ : state) {
-        for (const QString &path : qAsConst(paths)) {
-            if (!list.load(path))
-                state.SkipWithError("a generated list was not read");
-            benchmark::DoNotOptimize(list.root());
-        }
+        support::folder_walk walk(folder, folder);
+        while (walk.next())
+            step(walk);
     }
     report_each(state, "per_list", list_count);
 }
 
-void insert_rows(benchmark::State &state)
+void walk_folder(benchmark::State &state)
+{
+    walk_and(state, [](const support::folder_walk &walk) {
+        benchmark::DoNotOptimize(walk.name().constData());
+    });
+}
+
+void walk_and_stat(benchmark::State &state)
+{
+    walk_and(state, [](const support::folder_walk &walk) {
+        struct stat status = {};
+        ::fstatat(walk.folder_descriptor(), walk.name().constData(), &status, AT_SYMLINK_NOFOLLOW);
+        benchmark::DoNotOptimize(status);
+    });
+}
+
+void walk_and_read(benchmark::State &state)
+{
+    support::evidence_file file;
+    QByteArray bytes;
+    walk_and(state, [&](const support::folder_walk &walk) {
+        if (!file.open_at(walk.folder_descriptor(), walk.name().constData()) ||
+            !file.read_all(&bytes, largest_read_bytes))
+            state.SkipWithError("a generated list was not read");
+    });
+}
+
+void parse(benchmark::State &state, const QByteArray &bytes)
+{
+    platform::property_list list;
+    for (auto _ : state) {
+        if (!list.load_bytes(bytes))
+            state.SkipWithError("a generated list was not parsed");
+        benchmark::DoNotOptimize(list.root());
+    }
+}
+
+void parse_xml(benchmark::State &state)
+{
+    parse(state, connection_list(1));
+}
+
+// The texts of an XML list's top dictionary.
+QByteArray as_binary(const QByteArray &xml)
+{
+    binary_list_builder builder;
+    std::vector<std::pair<int, int>> entries;
+    platform::property_list list;
+    list.load_bytes(xml);
+    for (const char *key : {"Protocol", "Provider", "Nickname", "UUID", "Hostname", "Port",
+                            "Username", "Path", "Access Timestamp", "Comment"}) {
+        const QByteArray text = list.root().value(QLatin1String(key)).text().toLatin1();
+        const int key_index = builder.text(key);
+        entries.emplace_back(key_index, builder.text(text.constData()));
+    }
+    return builder.list(quint64(builder.dictionary(entries)));
+}
+
+void parse_binary(benchmark::State &state)
+{
+    parse(state, as_binary(connection_list(1)));
+}
+
+// Parsing is included: a second reading of one list would find its keys already sorted out.
+void read_row(benchmark::State &state, const QByteArray &bytes)
+{
+    const macos::path_mapper paths(source().root(), QStringLiteral("macOS_Image"));
+    platform::property_list list;
+    for (auto _ : state) {
+        list.load_bytes(bytes);
+        benchmark::DoNotOptimize(
+            macos::read_bookmark({QString(), QStringLiteral("alice"), list.root()}, paths));
+    }
+}
+
+void read_row_of_xml(benchmark::State &state)
+{
+    read_row(state, connection_list(1));
+}
+
+void read_row_of_binary(benchmark::State &state)
+{
+    read_row(state, as_binary(connection_list(1)));
+}
+
+void map_path(benchmark::State &state)
+{
+    const macos::path_mapper paths(source().root(), QStringLiteral("macOS_Image"));
+    const QString path = source().lists_of(bookmarks_table) + QStringLiteral("12345.duck");
+    for (auto _ : state)
+        benchmark::DoNotOptimize(paths.source_files(path, QStringLiteral("alice")));
+}
+
+std::vector<macos::bookmark_row> two_rows()
 {
     macos::bookmark_row row;
     for (const auto &column : macos::bookmark_columns)
         row.*column.field = QStringLiteral("a text of some length");
-    row.comment = QString(400, QLatin1Char('c'));
+    std::vector<macos::bookmark_row> rows(2, row);
+    // As from list to list: the connection's texts are new ones each time.
+    for (macos::bookmark_row &changed : rows) {
+        for (QString *text :
+             {&changed.nickname, &changed.hostname, &changed.uuid, &changed.port,
+              &changed.remote_path, &changed.protocol, &changed.username, &changed.access_timestamp,
+              &changed.download_folder, &changed.upload_folder, &changed.source_file})
+            text->detach();
+        changed.comment = QString(400, QLatin1Char('c'));
+    }
+    return rows;
+}
+
+// `on` picks what the statement is made from.
+template <typename On> void insert_rows(benchmark::State &state, On on)
+{
+    const std::vector<macos::bookmark_row> rows = two_rows();
     for (auto _ : state) {
-        source().empty("bookmarks");
+        state.PauseTiming();
+        source().make_database();
+        state.ResumeTiming();
         macos::result_connection connection(QStringLiteral("benchmark"), source().database());
         connection.open();
-        macos::insert_statement statement(connection, macos::bookmarks_profile.statement);
-        for (int i = 0; i < list_count; ++i) {
-            if (!statement.insert_row(macos::bookmark_columns, row))
+        macos::insert_statement statement(on(&connection), macos::bookmarks_profile.statement);
+        for (size_t i = 0; i < list_count; ++i) {
+            if (!statement.insert_row(macos::bookmark_columns, rows[i % 2]))
                 state.SkipWithError("a row was not inserted");
         }
     }
     report_each(state, "per_row", list_count);
 }
 
-void extract(benchmark::State &state, const char *table, void (cyberduck_macos::*extractor)())
+void bind_and_step(benchmark::State &state)
+{
+    insert_rows(
+        state, [](macos::result_connection * connection) -> auto & { return *connection; });
+}
+
+// The way where the driver's SQLite is not the one that this code is linked with.
+void bind_and_step_by_query(benchmark::State &state)
+{
+    insert_rows(
+        state,
+        [](macos::result_connection * connection) -> auto & { return connection->database(); });
+}
+
+// What each row costs while no signal is due, and what one signal does.
+void ask_for_signal(benchmark::State &state)
+{
+    QElapsedTimer timer;
+    timer.start();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(timer.elapsed() > 1000);
+}
+
+void emit_signal(benchmark::State &state)
 {
     cyberduck_macos adapter;
-    source().set_up(&adapter);
+    qint64 records = 0;
+    QObject::connect(&adapter, &cyberduck_macos::signal_extracted_records_of_plugin_macos, &adapter,
+                     [&records](qint64 count) { records = count; });
+    for (auto _ : state)
+        Q_EMIT adapter.signal_extracted_records_of_plugin_macos(records + 1);
+}
+
+void extract(benchmark::State &state, void (cyberduck_macos::*extractor)())
+{
+    cyberduck_macos adapter;
+    set_up(&adapter);
     for (auto _ : state) {
         state.PauseTiming();
-        source().empty(table);
+        source().make_database();
         state.ResumeTiming();
         (adapter.*extractor)();
     }
@@ -191,26 +241,35 @@ void extract(benchmark::State &state, const char *table, void (cyberduck_macos::
 
 void extract_bookmarks(benchmark::State &state)
 {
-    extract(state, "bookmarks", &cyberduck_macos::xcode_extract_bookmarks);
+    extract(state, &cyberduck_macos::xcode_extract_bookmarks);
 }
 
 void extract_history(benchmark::State &state)
 {
-    extract(state, "history", &cyberduck_macos::xcode_extract_history);
+    extract(state, &cyberduck_macos::xcode_extract_history);
 }
 
 void extract_preferences(benchmark::State &state)
 {
     cyberduck_macos adapter;
-    source().set_up(&adapter);
+    set_up(&adapter);
+    source().make_database();
     for (auto _ : state)
-        adapter.xcode_extract_preferences(source().preferences(), user);
-    source().empty("preferences");
-    report_each(state, "per_file", 1);
+        adapter.xcode_extract_preferences(source().preferences(), QStringLiteral("alice"));
 }
 
-BENCHMARK(read_lists)->Unit(benchmark::kMillisecond);
-BENCHMARK(insert_rows)->Unit(benchmark::kMillisecond);
+BENCHMARK(walk_folder)->Unit(benchmark::kMillisecond);
+BENCHMARK(walk_and_stat)->Unit(benchmark::kMillisecond);
+BENCHMARK(walk_and_read)->Unit(benchmark::kMillisecond);
+BENCHMARK(parse_xml)->Unit(benchmark::kMicrosecond);
+BENCHMARK(parse_binary)->Unit(benchmark::kMicrosecond);
+BENCHMARK(read_row_of_xml)->Unit(benchmark::kMicrosecond);
+BENCHMARK(read_row_of_binary)->Unit(benchmark::kMicrosecond);
+BENCHMARK(map_path)->Unit(benchmark::kMicrosecond);
+BENCHMARK(bind_and_step)->Unit(benchmark::kMillisecond);
+BENCHMARK(bind_and_step_by_query)->Unit(benchmark::kMillisecond);
+BENCHMARK(ask_for_signal)->Unit(benchmark::kMicrosecond);
+BENCHMARK(emit_signal)->Unit(benchmark::kMicrosecond);
 BENCHMARK(extract_bookmarks)->Unit(benchmark::kMillisecond);
 BENCHMARK(extract_history)->Unit(benchmark::kMillisecond);
 BENCHMARK(extract_preferences)->Unit(benchmark::kMillisecond);

@@ -74,12 +74,16 @@ TEST_F(source_boundary_test, follows_links_as_the_examined_machine_would)
         {"../../../private/secret", reach::outside, {}},
         {"../../../src/Users/alice/docs/a", reach::outside, {}},
     };
-    const support::source_boundary boundary(root);
-    for (const auto &row : rows) {
-        SCOPED_TRACE(row.below_home);
-        const auto found = boundary.resolve(root + "Users/alice/" + row.below_home);
-        EXPECT_EQ(found.where, row.where);
-        EXPECT_EQ(found.path, row.path);
+    // What is remembered of the path before must not show.
+    for (const auto &before : rows) {
+        const support::source_boundary boundary(root);
+        for (const auto &row : rows) {
+            SCOPED_TRACE(std::string(row.below_home) + " after " + before.below_home);
+            boundary.resolve(root + "Users/alice/" + before.below_home);
+            const auto found = boundary.resolve(root + "Users/alice/" + row.below_home);
+            EXPECT_EQ(found.where, row.where);
+            EXPECT_EQ(found.path, row.path);
+        }
     }
 }
 
