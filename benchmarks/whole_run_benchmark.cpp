@@ -274,7 +274,7 @@ std::vector<case_plan> all_cases(int rounds)
     for (const bool has_copies : {false, true}) {
         plans.push_back({has_copies ? QStringLiteral("transfers, copies there")
                                     : QStringLiteral("transfers, copies missing"),
-                         transfers_table, 5000, items_per_transfer, has_copies, false, false,
+                         transfers_table, 5000, items_per_transfer, has_copies, false, true,
                          rounds});
     }
     return plans;

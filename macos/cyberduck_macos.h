@@ -114,6 +114,9 @@ private:
     void count_row();
     [[nodiscard]] macos::run_environment environment();
 
+    // One preference row; false, after the log lines of that, when it was not inserted.
+    bool insert_preference(const QString &label, const QString &value, const QString &plist_path,
+                           const QString &user_name, macos::insert_statement *statement);
     // Transfers: one list, one item of it, what is known of the item's local copy.
     macos::step read_transfer(const macos::loaded_list &list, macos::extractor_run *run);
     // `row` has the transfer's own fields; those of the item before are replaced.

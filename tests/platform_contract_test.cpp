@@ -43,7 +43,7 @@ protected:
     std::unique_ptr<contract_fixture> fixture = make_contract_fixture();
     std::unique_ptr<platform::spotlight_catalog> catalog =
         platform::make_spotlight_catalog(folder.path() + QLatin1Char('/'));
-    std::unique_ptr<platform::spotlight_item> item;
+    std::shared_ptr<platform::spotlight_item> item;
 };
 
 using reader = QString (*)(void *key, void *dictionary);

@@ -45,11 +45,11 @@ std::optional<attribute_description> system_item::attribute(const QString &name)
 // The system keeps the metadata: nothing is held between two files, and there is nothing to tell.
 class system_catalog final : public spotlight_catalog {
   public:
-    std::unique_ptr<spotlight_item> item(const QString &path) override;
+    std::shared_ptr<spotlight_item> item(const QString &path) override;
     QStringList take_notes() override { return {}; }
 };
 
-std::unique_ptr<spotlight_item> system_catalog::item(const QString &path) {
+std::shared_ptr<spotlight_item> system_catalog::item(const QString &path) {
     using answer = std::unique_ptr<spotlight_item>;
     return contained_in_pool(answer(), [&path]() -> answer {
         const cf_ref<CFStringRef> name = cfstring_of(path);
