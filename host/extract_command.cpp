@@ -7,12 +7,19 @@
 #include "plugin_library.h"
 #include "result_place.h"
 #include "run_summary.h"
+#include "support/evidence_file.h"
+#include "support/file_names.h"
 #include "support/source_boundary.h"
 
 #include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <memory>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace host {
 
@@ -65,16 +72,34 @@ bool is_home(const QFileInfo &entry, const QString &root)
     return place.where == support::reach::inside && QFileInfo(place.path).isDir();
 }
 
+// Not by QDir, which would change the folder's access time. Nothing when `folder` leads out of the
+// source.
+QStringList names_in(const QString &folder, const QString &root)
+{
+    const support::resolved_path place = support::source_boundary(root).resolve(folder);
+    if (place.where != support::reach::inside)
+        return {};
+    const int descriptor = support::open_unchanged(AT_FDCWD, support::encoded_name(place.path),
+                                                   O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    const auto close_listing = [](DIR *listing) { ::closedir(listing); };
+    const std::unique_ptr<DIR, decltype(close_listing)> listing(
+        descriptor < 0 ? nullptr : ::fdopendir(descriptor), close_listing);
+    if (!listing && descriptor >= 0)
+        ::close(descriptor);
+    QStringList names;
+    while (const dirent *entry = listing ? ::readdir(listing.get()) : nullptr)
+        names.append(support::decoded_name(entry->d_name));
+    return names;
+}
+
 // Sorted by name, so that two runs on one source give the same rows in the same order.
 QList<account> accounts_on_source(const QString &root)
 {
-    const QFileInfoList entries =
-        QDir(root + QStringLiteral("Users"))
-            .entryInfoList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
+    const QString users = root + QStringLiteral("Users");
     QStringList names;
-    for (const QFileInfo &entry : entries) {
-        if (is_home(entry, root))
-            names.append(entry.fileName());
+    for (const QString &name : names_in(users, root)) {
+        if (is_home(QFileInfo(users + QLatin1Char('/') + name), root))
+            names.append(name);
     }
     std::sort(names.begin(), names.end());
     QList<account> accounts;

@@ -90,6 +90,13 @@ bool can_write_file(const QString &path)
     return QFile(path).open(QIODevice::ReadWrite | QIODevice::ExistingOnly);
 }
 
+bool can_append_to(const QString &path)
+{
+    if (QFileInfo::exists(path) && !QFileInfo(path).isFile())
+        return can_write_file(path);
+    return QFile(path).open(QIODevice::Append);
+}
+
 } // namespace
 
 result_place place_of_results(const QString &directory, const QString &artifact_name)
@@ -155,7 +162,8 @@ std::optional<failure> check_writable(const result_place &place, const QString &
                                .arg(place.directory));
         }
     }
-    if (!debug_log.isEmpty() && !can_write_file(debug_log)) {
+    // By opening it: nothing else is to be made in its folder.
+    if (!debug_log.isEmpty() && !can_append_to(debug_log)) {
         return refused(QStringLiteral("cannot write the debug log %1; give --debug-log a FILE in "
                                       "a folder that exists and can be written.")
                            .arg(debug_log));

@@ -113,6 +113,12 @@ private:
     // Adds one to the record count and emits it about once a second.
     void count_row();
     [[nodiscard]] macos::run_environment environment();
+    // The helpers stop on a flag of their own, which is set first: what they were asked for
+    // meanwhile is cut short.
+    [[nodiscard]] bool is_cancelled() const
+    {
+        return cancel_extraction_flag || plugin_static_function::bool_cancel_extraction;
+    }
 
     // One preference row; false, after the log lines of that, when it was not inserted.
     bool insert_preference(const QString &label, const QString &value, const QString &plist_path,

@@ -228,7 +228,7 @@ cyberduck_macos::attributes_of_files(const QList<macos::placed_file> &files,
     xml.setAutoFormatting(true);
     xml.writeStartDocument();
     xml.writeStartElement(QStringLiteral("Extended_Attributes_XML_Header"));
-    for (int i = 0; i < files.size() && !cancel_extraction_flag; ++i) {
+    for (int i = 0; i < files.size() && !is_cancelled(); ++i) {
         const macos::placed_file &file = files.at(i);
         if (file.place.where != support::reach::inside)
             continue;

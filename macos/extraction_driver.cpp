@@ -46,7 +46,7 @@ bool cyberduck_macos::extract_all_preferences()
     if (!essential_tab_list.contains(QStringLiteral("preferences")))
         return true;
     for (const QString &file : qAsConst(preferences_file_list)) {
-        if (cancel_extraction_flag)
+        if (is_cancelled())
             return false;
         const QString user = plugin_static_function::extract_user_name_from_sourcefile(
                                  file, fs_extraction_source_path)

@@ -113,6 +113,8 @@ step extractor_run::read_folder(const QString &folder,
     const support::resolved_path real = boundary_.resolve(folder);
     if (real.where == support::reach::outside)
         log(profile_.words.outside_source, folder);
+    else if (real.where != support::reach::inside)
+        log(profile_.words.folder_failed, folder);
     if (real.where != support::reach::inside)
         return step::done;
     origin_ = origin_of(user, environment_);
@@ -124,6 +126,9 @@ step extractor_run::read_folder(const QString &folder,
             read_entry(walk, user, read) == step::cancelled)
             return step::cancelled;
     }
+    const QStringList failed = walk.take_failed();
+    for (const QString &path : failed)
+        log(profile_.words.folder_failed, path);
     return step::done;
 }
 
@@ -140,6 +145,8 @@ extractor_run::found extractor_run::load_entry(const support::folder_walk &walk)
         return list_.load(real.path) ? found::list : found::no_list;
     if (real.where == support::reach::outside)
         log(profile_.words.outside_source, walk.path());
+    if (real.where == support::reach::denied)
+        log(profile_.words.list_failed, walk.path());
     return found::nothing; // a dangling link is no entry
 }
 

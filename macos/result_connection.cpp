@@ -4,7 +4,6 @@
 #include "sqlite_row_writer.h"
 #include "support/database_wait.h"
 
-#include <QSqlError>
 #include <QSqlQuery>
 
 namespace macos {
@@ -51,7 +50,8 @@ void result_connection::begin()
 {
     // The right to write is asked for at once, so that the wait for it is not paid by each row.
     QSqlQuery query(database_);
-    if (!query.exec(QStringLiteral("BEGIN IMMEDIATE"))) {
+    may_write_ = query.exec(QStringLiteral("BEGIN IMMEDIATE"));
+    if (!may_write_) {
         support::note_wait(query.lastError());
         database_.transaction(); // the lock may go while rows are still to come
     }
@@ -68,15 +68,22 @@ bool result_connection::finish()
     if (!database_.isOpen())
         return true;
     support::set_wait(&database_, true);
-    const bool committed = database_.commit();
-    support::note_wait(committed ? QSqlError() : database_.lastError());
+    bool committed = false;
+    {
+        QSqlQuery query(database_); // the driver's own commit does not tell the error's code
+        committed = query.exec(QStringLiteral("COMMIT"));
+        commit_error_ = query.lastError();
+    }
+    // Without the right to write, a transaction that ends well has nothing in it.
+    if (may_write_ || !committed)
+        support::note_wait(commit_error_);
     database_.close();
     return committed;
 }
 
 QString result_connection::error_text() const
 {
-    return database_.lastError().text();
+    return commit_error_.isValid() ? commit_error_.text() : database_.lastError().text();
 }
 
 std::unique_ptr<row_writer> result_connection::make_writer(const char *statement) const

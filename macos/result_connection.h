@@ -4,6 +4,7 @@
 #include "row_writer.h"
 
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QString>
 
 #include <array>
@@ -33,8 +34,7 @@ public:
     result_connection(const result_connection &) = delete;
     result_connection &operator=(const result_connection &) = delete;
 
-    // Opens the database and begins the transaction. False when it cannot be opened; then
-    // error_text() tells why.
+    // Opens the database and begins the transaction. False when it cannot be opened.
     bool open();
     // Commits and closes; false when the rows could not be committed and are lost. Statements must
     // be gone.
@@ -42,6 +42,7 @@ public:
     // After a failed insert: whether the database has given up the transaction, and with it the
     // rows since it began, as it does on a full disk. If so, another one is open now.
     bool begin_after_loss();
+    // Of opening or of committing.
     [[nodiscard]] QString error_text() const;
     [[nodiscard]] QSqlDatabase &database() { return database_; }
     // What runs an insert statement on the open connection, the quickest way there is.
@@ -53,6 +54,8 @@ private:
     QString name_;
     QSqlDatabase database_;
     sqlite3 *connection_ = nullptr; // the driver's own; null where it cannot be shared
+    bool may_write_ = false;        // since the transaction began
+    QSqlError commit_error_;
 };
 
 // One insert statement, prepared once for many rows; again as long as the database refuses that,

@@ -35,23 +35,45 @@ constexpr const char *own_attributes[] = {
     "kMDItemLastUsedDate",
 };
 
-// A place behind a link that leaves the source counts as found: its extractor tells of it.
-bool is_there(const support::source_boundary &boundary, const QString &path)
+// Looks for places; a folder that does not let its entries be looked up is told once.
+class search
 {
-    return boundary.resolve(path).where != support::reach::missing;
-}
+public:
+    explicit search(const QString &root)
+        : boundary_(root)
+    {
+    }
 
-void append_first_found(const support::source_boundary &boundary, const QString &home,
-                        const char *folder, QStringList *found)
-{
-    for (const char *place : {application_support, group_container}) {
-        const QString path = home + QLatin1String(place) + QLatin1String(folder);
-        if (is_there(boundary, path)) {
-            found->append(path);
-            return;
+    // A place behind a link that leaves the source counts as found: its extractor tells of it.
+    bool is_there(const QString &path)
+    {
+        const support::resolved_path place = boundary_.resolve(path);
+        if (place.where != support::reach::denied)
+            return place.where != support::reach::missing;
+        if (!denied_.contains(place.path)) {
+            denied_.append(place.path);
+            plugin_static_function::app_debug(
+                QStringLiteral("[find_source_file] folder open ------FAILED------") + place.path,
+                QLatin1String(find_signature));
+        }
+        return false;
+    }
+
+    void append_first_found(const QString &home, const char *folder, QStringList *found)
+    {
+        for (const char *place : {application_support, group_container}) {
+            const QString path = home + QLatin1String(place) + QLatin1String(folder);
+            if (is_there(path)) {
+                found->append(path);
+                return;
+            }
         }
     }
-}
+
+private:
+    support::source_boundary boundary_;
+    QStringList denied_;
+};
 
 } // namespace
 
@@ -59,7 +81,7 @@ void cyberduck_macos::find_source_file()
 {
     plugin_static_function::app_debug(QStringLiteral("[find_source_file] starts"),
                                       QLatin1String(find_signature));
-    const support::source_boundary boundary(fs_extraction_source_path);
+    search places(fs_extraction_source_path);
     const QString users = fs_extraction_source_path + QStringLiteral("Users/");
     bookmarks_dir_list.clear();
     history_dir_list.clear();
@@ -67,11 +89,11 @@ void cyberduck_macos::find_source_file()
     preferences_file_list.clear();
     for (const QString &user : qAsConst(system_user_list)) {
         const QString home = users + user;
-        append_first_found(boundary, home, "Bookmarks/", &bookmarks_dir_list);
-        append_first_found(boundary, home, "History/", &history_dir_list);
-        append_first_found(boundary, home, "Transfers/", &transfers_dir_list);
+        places.append_first_found(home, "Bookmarks/", &bookmarks_dir_list);
+        places.append_first_found(home, "History/", &history_dir_list);
+        places.append_first_found(home, "Transfers/", &transfers_dir_list);
         const QString preferences = home + QLatin1String(preferences_file);
-        if (is_there(boundary, preferences))
+        if (places.is_there(preferences))
             preferences_file_list.append(preferences);
     }
     plugin_static_function::app_debug(QStringLiteral("[find_source_file] ends"),

@@ -18,6 +18,7 @@ const extractor_profile transfers_profile = {
         "[xcode_extract_transfers] m_plist open ------FAILED------",
         "[xcode_extract_transfers] outside the source ------FAILED------",
         "[xcode_extract_transfers] text too long, cut ------FAILED------",
+        "[xcode_extract_transfers] folder open ------FAILED------",
         "[xcode_extract_transfers] insert in transfers ---------FAILED--------",
         false,
         "[xcode_extract_transfers]",
@@ -104,7 +105,7 @@ macos::local_copy_facts cyberduck_macos::facts_of(const QString &real_path)
     facts.size = plugin_static_function::mining_size(real_path);
     facts.born = macos::birth_time(real_path);
     // What a cancellation has cut short is not the file's size.
-    if (!cancel_extraction_flag)
+    if (!is_cancelled())
         known_copies_.insert(real_path, new macos::local_copy_facts(facts));
     return facts;
 }
@@ -182,8 +183,12 @@ void cyberduck_macos::insert_item(const platform::property_list_value &item, con
         local_path.isEmpty() ? support::resolved_path() : run->boundary().resolve(local_path);
     if (place.where == support::reach::outside)
         run->log(macos::transfers_profile.words.outside_source, local_path);
+    if (place.where == support::reach::denied)
+        run->log(macos::transfers_profile.words.folder_failed, place.path);
     row->local_path = run->paths().shown(local_path, user);
     describe_local_copy(local_path, place, row);
+    if (is_cancelled())
+        return; // half of what is to be told of the copy is no row
     run->insert(macos::transfer_columns, *row);
 }
 

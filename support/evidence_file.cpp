@@ -14,20 +14,21 @@ namespace support {
 namespace {
 
 // O_NONBLOCK keeps the open of a FIFO from waiting for a writer.
-constexpr int read_only_flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
+constexpr int file_flags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
 
-int open_unchanged(int folder, const char *path)
+} // namespace
+
+int open_unchanged(int parent, const char *path, int flags)
 {
+    flags |= O_RDONLY;
 #ifdef O_NOATIME
-    const int descriptor = ::openat(folder, path, read_only_flags | O_NOATIME);
+    const int descriptor = ::openat(parent, path, flags | O_NOATIME);
     // Only the owner may ask for it; everybody else gets EPERM.
     if (descriptor >= 0 || errno != EPERM)
         return descriptor;
 #endif
-    return ::openat(folder, path, read_only_flags);
+    return ::openat(parent, path, flags);
 }
-
-} // namespace
 
 evidence_file::~evidence_file()
 {
@@ -63,7 +64,7 @@ bool evidence_file::open(const char *encoded_path)
 bool evidence_file::open_at(int folder, const char *encoded_name)
 {
     close();
-    descriptor_ = open_unchanged(folder, encoded_name);
+    descriptor_ = open_unchanged(folder, encoded_name, file_flags);
     if (descriptor_ < 0)
         return false;
     struct stat status = {};

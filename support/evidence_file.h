@@ -6,6 +6,11 @@
 
 namespace support {
 
+// Opens a file or folder of the source for reading with these flags besides, relative to `parent`
+// (or AT_FDCWD), and without changing its access time where the system allows that: Linux lets its
+// owner and root ask for it. -1 on failure.
+int open_unchanged(int parent, const char *path, int flags);
+
 // Opened for reading only, without changing its access time where the system allows that, without
 // following a link in the last component of its path, and only if it is a regular file: a FIFO, a
 // device or a socket is never opened for data. Movable, not copyable; closes itself.

@@ -1,5 +1,6 @@
 #include "folder_size.h"
 
+#include "evidence_file.h"
 #include "file_names.h"
 
 #include <QByteArray>
@@ -9,7 +10,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <limits>
 #include <memory>
 #include <set>
@@ -22,18 +22,7 @@ namespace {
 
 using folder_identity = std::pair<dev_t, ino_t>;
 
-constexpr int folder_flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-
-int open_folder(int parent, const char *name)
-{
-#ifdef O_NOATIME
-    const int descriptor = ::openat(parent, name, folder_flags | O_NOATIME);
-    // Only the owner may ask for it; everybody else gets EPERM.
-    if (descriptor >= 0 || errno != EPERM)
-        return descriptor;
-#endif
-    return ::openat(parent, name, folder_flags);
-}
+constexpr int folder_flags = O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 struct listing_closer
 {
@@ -44,7 +33,7 @@ using open_listing = std::unique_ptr<DIR, listing_closer>;
 // Null when the folder may not be listed or is no folder any more.
 open_listing list_folder(int parent, const char *name)
 {
-    const int descriptor = open_folder(parent, name);
+    const int descriptor = open_unchanged(parent, name, folder_flags);
     if (descriptor < 0)
         return nullptr;
     open_listing listing(::fdopendir(descriptor));

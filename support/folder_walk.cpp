@@ -1,5 +1,6 @@
 #include "folder_walk.h"
 
+#include "evidence_file.h"
 #include "file_names.h"
 
 #include <fcntl.h>
@@ -9,22 +10,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace support {
 
 namespace {
 
-constexpr int folder_flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-
-int open_folder(const QByteArray &path)
-{
-#ifdef O_NOATIME
-    const int descriptor = ::open(path.constData(), folder_flags | O_NOATIME);
-    if (descriptor >= 0 || errno != EPERM)
-        return descriptor;
-#endif
-    return ::open(path.constData(), folder_flags);
-}
+constexpr int folder_flags = O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 QByteArray with_trailing_slash(const QString &folder)
 {
@@ -57,17 +49,28 @@ bool folder_walk::open_next_folder()
         pending_folders_.pop_back();
         QByteArray path = real_ + folder_;
         path.chop(path.size() > 1 ? 1 : 0); // O_NOFOLLOW looks through a trailing "/"
-        const int descriptor = open_folder(path);
-        if (descriptor < 0)
-            continue;
-        directory_.reset(::fdopendir(descriptor));
-        if (directory_) {
-            shown_folder_ = support::decoded_name(recorded_ + folder_);
-            return true;
+        const int descriptor = open_unchanged(AT_FDCWD, path.constData(), folder_flags);
+        if (descriptor >= 0) {
+            directory_.reset(::fdopendir(descriptor));
+            if (directory_) {
+                shown_folder_ = support::decoded_name(recorded_ + folder_);
+                return true;
+            }
+            ::close(descriptor);
         }
-        ::close(descriptor);
+        note_failed();
     }
     return false;
+}
+
+void folder_walk::note_failed()
+{
+    failed_.append(decoded_name(recorded_ + folder_));
+}
+
+QStringList folder_walk::take_failed()
+{
+    return std::exchange(failed_, {});
 }
 
 bool folder_walk::next()
@@ -75,11 +78,15 @@ bool folder_walk::next()
     for (;;) {
         if (!directory_ && !open_next_folder())
             return false;
+        errno = 0;
         const dirent *found = ::readdir(directory_.get());
-        if (found == nullptr)
+        if (found == nullptr) {
+            if (errno != 0)
+                note_failed();
             directory_.reset();
-        else if (take(*found))
+        } else if (take(*found)) {
             return true;
+        }
     }
 }
 

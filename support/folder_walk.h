@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <dirent.h>
 
@@ -25,6 +26,9 @@ public:
 
     // Goes to the next entry; false at the end.
     bool next();
+    // Folders that could not be listed, or not to their end, since the last call: full paths,
+    // starting with the recorded folder.
+    [[nodiscard]] QStringList take_failed();
 
     // Of the current entry. `name` is valid until the next step.
     [[nodiscard]] const QByteArray &name() const { return name_; }
@@ -45,6 +49,7 @@ private:
     };
 
     bool open_next_folder();
+    void note_failed();
     bool take(const dirent &found);
     [[nodiscard]] bool kind_of(const dirent &found, entry_kind *kind) const;
 
@@ -55,6 +60,7 @@ private:
     QByteArray folder_;    // the open one, below the walk's folder; empty or ends in "/"
     QString shown_folder_; // its path, starting with the recorded one, decoded once for all entries
     QByteArray name_;
+    QStringList failed_;
     entry_kind kind_ = entry_kind::file;
 };
 

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <vector>
@@ -106,12 +107,20 @@ private:
         struct stat status = {};
         const QByteArray here = path();
         if (::lstat(here.constData(), &status) != 0)
-            return reach::missing;
+            return failed_look_up(errno);
         if (S_ISLNK(status.st_mode))
             return follow(here);
         if (!S_ISDIR(status.st_mode) && !pending_.empty())
             return reach::missing;
         return reach::inside;
+    }
+
+    reach failed_look_up(int error)
+    {
+        if (error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG)
+            return reach::missing;
+        found_.pop_back(); // what is left is the folder that refused
+        return reach::denied;
     }
 
     reach follow(const QByteArray &link)
@@ -177,7 +186,8 @@ resolved_path source_boundary::find(const QByteArray &below_root) const
 {
     walk steps(*this);
     const reach where = steps.run(below_root);
-    return {where, where == reach::inside ? support::decoded_name(steps.path()) : QString()};
+    const bool has_path = where == reach::inside || where == reach::denied;
+    return {where, has_path ? support::decoded_name(steps.path()) : QString()};
 }
 
 resolved_path source_boundary::resolve_below(const QByteArray &below_root) const
@@ -191,15 +201,17 @@ resolved_path source_boundary::resolve_below(const QByteArray &below_root) const
         const resolved_path found = find(folder);
         last_folder_ = {folder, found.where, support::encoded_name(found.path)};
     }
+    QByteArray path = last_folder_->path;
+    if (last_folder_->where == reach::denied)
+        return {reach::denied, support::decoded_name(path)};
     if (last_folder_->where != reach::inside)
         return {last_folder_->where, {}};
-    QByteArray path = last_folder_->path;
     if (!path.endsWith('/'))
         path += '/';
     path += name;
     struct stat status = {};
     if (::lstat(path.constData(), &status) != 0)
-        return {reach::missing, {}};
+        return errno == ENOENT ? resolved_path() : find(below_root);
     if (!S_ISLNK(status.st_mode))
         return {reach::inside, support::decoded_name(path)};
     return find(below_root);

@@ -9,13 +9,14 @@
 
 namespace support {
 
-// Where a path leads.
-enum class reach { inside, missing, outside };
+// Where a path leads; `denied`: a folder on the way does not let its entries be looked up, so that
+// nobody can tell.
+enum class reach { inside, missing, outside, denied };
 
 struct resolved_path
 {
     reach where = reach::missing;
-    // Free of links, reachable here; null unless `where` is inside.
+    // Free of links, reachable here; when denied, the folder that refused; else null.
     QString path;
 };
 
@@ -29,9 +30,9 @@ public:
     // counts from its folder, an absolute one from the source's own root (/Users/... is looked up
     // below the root) or, if it names a place inside the source as seen from this machine, from
     // there. `outside` when ".." or a link leaves the source, or the path does not start inside.
-    // `missing` when a component does not exist. At most 40 links are followed, as by the system,
-    // and a path of more than 4,096 bytes below the root, or of as many names, is missing: no file
-    // can be opened by it.
+    // `missing` when a component does not exist, `denied` when that cannot be told. At most 40
+    // links are followed, as by the system, and a path of more than 4,096 bytes below the root, or
+    // of as many names, is missing: no file can be opened by it.
     // The folder that was resolved last is remembered: of its next file only the last component is
     // looked at, which takes 1 µs instead of one for each component. Not thread-safe.
     [[nodiscard]] resolved_path resolve(const QString &path) const;

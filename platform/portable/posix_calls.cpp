@@ -1,5 +1,7 @@
 #include "posix_calls.h"
 
+#include "support/evidence_file.h"
+
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/xattr.h>
@@ -60,18 +62,6 @@ template <typename Call> system_bytes read_sized(const Call &call, ssize_t limit
     return {{}, ERANGE};
 }
 
-// Reading a folder changes its access time unless the system is told not to.
-int open_folder(const char *path)
-{
-    constexpr int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-#ifdef O_NOATIME
-    const int descriptor = ::open(path, flags | O_NOATIME);
-    if (descriptor >= 0 || errno != EPERM)
-        return descriptor;
-#endif
-    return ::open(path, flags);
-}
-
 bool is_own_or_parent(const char *name)
 {
     return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
@@ -97,7 +87,8 @@ system_bytes read_extended_attribute(const QByteArray &encoded_path, const QByte
 
 std::optional<qint64> folder_entry_count(const QByteArray &encoded_path)
 {
-    const int descriptor = open_folder(encoded_path.constData());
+    const int descriptor = support::open_unchanged(AT_FDCWD, encoded_path.constData(),
+                                                   O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (descriptor < 0)
         return std::nullopt;
     DIR *folder = ::fdopendir(descriptor);
