@@ -259,16 +259,4 @@ TEST(image_gps, reads_no_more_than_it_needs)
     }
 }
 
-TEST_F(image_properties_test, links_are_not_followed)
-{
-    QFile made(folder.filePath(QStringLiteral("image")));
-    ASSERT_TRUE(made.open(QIODevice::WriteOnly));
-    made.write(jpeg(paris().block()));
-    made.close();
-    expect_paris(platform::read_gps_position(made.fileName()));
-    const QString link = folder.filePath(QStringLiteral("link"));
-    ASSERT_TRUE(QFile::link(made.fileName(), link));
-    EXPECT_TRUE(is_nowhere(platform::read_gps_position(link)));
-}
-
 } // namespace

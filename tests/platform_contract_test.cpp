@@ -1,9 +1,11 @@
 // What both platforms promise to the rest of the plug-in. What they read from the bytes of a
 // property list is in property_list_test.
+#include "platform/file_times.h"
 #include "platform/image_properties.h"
 #include "platform/property_list.h"
 #include "platform/spotlight_item.h"
 #include "tests/support/platform_contract.h"
+#include "support/file_names.h"
 #include "support/plugin_static_function.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/printing.h"
@@ -12,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <limits>
@@ -267,6 +270,21 @@ TEST_F(platform_contract, a_position_is_read_from_an_image)
     const QString fifo = folder.filePath(QStringLiteral("fifo"));
     ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
     EXPECT_FALSE(platform::read_gps_position(fifo).latitude);
+}
+
+TEST_F(platform_contract, times_are_those_of_the_entry_itself)
+{
+    const QString path = make_file(QStringLiteral("\u00e9"));
+    const QString link = folder.filePath(QStringLiteral("link"));
+    const timespec times[] = {{-2, 500'000'000}, {4102444800, 999'999'999}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, support::encoded_name(path).constData(), times, 0), 0);
+    ASSERT_TRUE(QFile::link(path, link));
+    const auto found = platform::times_of(path);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->accessed_ms, -1500);
+    EXPECT_EQ(found->modified_ms, 4102444800'999);
+    EXPECT_NE(platform::times_of(link)->modified_ms, found->modified_ms);
+    EXPECT_FALSE(platform::times_of(folder.filePath(QStringLiteral("missing"))));
 }
 
 TEST_F(platform_contract, many_lists_are_read_with_one_object)

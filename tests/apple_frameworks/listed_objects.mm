@@ -134,13 +134,20 @@ NSObject *kept(NSMutableDictionary *known, id<NSCopying> key, const listed_value
 
 namespace {
 
+// What the portable reader has cut off is for the platform to cut off: it finds a pair in its
+// place.
+QString whole_text(const property_list_value &value) {
+    const QString text = value.text();
+    return value.take_cut_text() ? text + QStringLiteral("\U0001f600") : text;
+}
+
 NSObject *object_of(const listed_value &listed) {
     const property_list_value &value = listed.value;
     switch (value.kind()) {
     case value_kind::absent:
         return nil;
     case value_kind::text:
-        return [unit_text withText:value.text()];
+        return [unit_text withText:whole_text(value)];
     case value_kind::boolean:
         return [[[listed_boolean alloc] initWithListed:listed] autorelease];
     case value_kind::number:

@@ -1,3 +1,5 @@
+#include "platform/foundation_values.h"
+
 #include "printing.h"
 
 #include <QApplication>
@@ -10,5 +12,6 @@ int main(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "minimal"); // leaks nothing, unlike offscreen
     const QApplication application(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
+    const platform::release_pool pool; // as a host's event loop has one
     return RUN_ALL_TESTS();
 }

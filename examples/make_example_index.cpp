@@ -1,6 +1,6 @@
 // Writes the volume's index of the invented source:  make_example_index SOURCE
 // Sizes are those of the files that lie there; the same files always give the same bytes.
-#include "support/spotlight_store_writer.h"
+#include "tests/support/spotlight_store_writer.h"
 
 #include <QDateTime>
 #include <QDir>
