@@ -55,7 +55,7 @@ TEST(fault_source, disappears_in_mid_run)
         const table_rows found = rows_in(source.database());
         EXPECT_EQ(row_count(found), outcome.records);
         // Items of a list that was loaded are still told, without what the copies said.
-        for (size_t i : {0, 1, 3})
+        for (const size_t i : {size_t{0}, size_t{1}, size_t{3}})
             EXPECT_TRUE(begins_with(full[i], found[i])) << extracted_tables[i];
     }
 }
