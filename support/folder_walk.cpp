@@ -35,10 +35,11 @@ bool is_plain(const QByteArray &name)
 
 } // namespace
 
-folder_walk::folder_walk(const QString &recorded, const QString &real)
+folder_walk::folder_walk(const QString &recorded, const QString &real, const walk_limits &limits)
     : recorded_(with_trailing_slash(recorded))
     , real_(with_trailing_slash(real))
     , pending_folders_{QByteArray()}
+    , limits_(limits)
 {
 }
 
@@ -80,14 +81,22 @@ bool folder_walk::next()
             return false;
         errno = 0;
         const dirent *found = ::readdir(directory_.get());
-        if (found == nullptr) {
-            if (errno != 0)
-                note_failed();
-            directory_.reset();
+        if (found == nullptr || ++entries_ > limits_.entries) {
+            is_whole_ = is_whole_ && found == nullptr && errno == 0;
+            close_folder();
         } else if (take(*found)) {
             return true;
         }
     }
+}
+
+void folder_walk::close_folder()
+{
+    if (!is_whole_)
+        note_failed();
+    directory_.reset();
+    entries_ = 0;
+    is_whole_ = true;
 }
 
 bool folder_walk::take(const dirent &found)
@@ -97,8 +106,12 @@ bool folder_walk::take(const dirent &found)
     if (!kind_of(found, &kind_))
         return false;
     name_ = QByteArray(found.d_name);
-    if (kind_ == entry_kind::folder)
-        pending_folders_.push_back(folder_ + name_ + '/');
+    if (kind_ == entry_kind::folder) {
+        if (pending_folders_.size() < limits_.folders)
+            pending_folders_.push_back(folder_ + name_ + '/');
+        else
+            is_whole_ = false;
+    }
     return true;
 }
 

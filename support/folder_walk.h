@@ -12,6 +12,14 @@
 
 namespace support {
 
+// What a walk takes in at most. Far beyond any folder that a person or a program fills; a damaged
+// or forged file system can have no end.
+struct walk_limits
+{
+    qint64 entries = 10'000'000; // of one folder
+    size_t folders = 1'000'000;  // found and still to be walked; about 100 bytes each
+};
+
 // Gives files, folders and links; hidden entries (names with a leading "."), what lies below hidden
 // folders, and special files are passed over. Links are given but never followed. A folder's own
 // entries come before those of its subfolders, otherwise in the file system's order. One
@@ -22,7 +30,7 @@ public:
     enum class entry_kind { file, folder, link };
 
     // `recorded`: the folder as it is to be shown; `real`: where it is reachable, free of links.
-    folder_walk(const QString &recorded, const QString &real);
+    folder_walk(const QString &recorded, const QString &real, const walk_limits &limits = {});
 
     // Goes to the next entry; false at the end.
     bool next();
@@ -50,6 +58,7 @@ private:
 
     bool open_next_folder();
     void note_failed();
+    void close_folder();
     bool take(const dirent &found);
     [[nodiscard]] bool kind_of(const dirent &found, entry_kind *kind) const;
 
@@ -62,6 +71,9 @@ private:
     QByteArray name_;
     QStringList failed_;
     entry_kind kind_ = entry_kind::file;
+    walk_limits limits_;
+    qint64 entries_ = 0;   // of the open folder, so far
+    bool is_whole_ = true; // what has been taken in of it
 };
 
 } // namespace support

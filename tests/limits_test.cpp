@@ -1,6 +1,7 @@
 // What a forged file can cost at most, measured on a whole run of the program in a process of its
 // own. Beside each stands a good list, which has to be read all the same.
 #include "support/binary_list_builder.h"
+#include "support/folder_walk.h"
 #include "support/log_capture.h"
 #include "support/printing.h"
 #include "support/source_builder.h"
@@ -212,6 +213,29 @@ TEST_F(limits, random_bytes_beside_a_local_copy_cost_no_more)
                  queue_of_path("~/Documents/a.jpg"));
     check(source, 1);
     EXPECT_EQ(source.rows(QStringLiteral("transfers")).size(), 1);
+}
+
+TEST_F(limits, what_a_walk_leaves_out_is_told)
+{
+    const source_builder source;
+    const QString folder = source.make_folder(QStringLiteral("walked"));
+    for (int i = 0; i < 10; ++i)
+        source.make_folder(QStringLiteral("walked/%1/inside").arg(i));
+    const auto walk_all = [&folder](const support::walk_limits &allowed, QStringList *failed) {
+        support::folder_walk walk(folder, folder, allowed);
+        int entries = 0;
+        while (walk.next())
+            ++entries;
+        *failed = walk.take_failed();
+        return entries;
+    };
+    QStringList failed;
+    EXPECT_EQ(walk_all({12, 10}, &failed), 20); // "." and ".." count as well
+    EXPECT_TRUE(failed.isEmpty());
+    EXPECT_LT(walk_all({11, 10}, &failed), 20);
+    EXPECT_EQ(failed, QStringList(folder + '/'));
+    EXPECT_EQ(walk_all({12, 9}, &failed), 19);
+    EXPECT_EQ(failed, QStringList(folder + '/'));
 }
 
 // Only the end of a text goes, and a line of the log tells of it.
