@@ -71,20 +71,23 @@ void draw_grid(QPainter *painter, const axis &rows, const axis &cost)
     }
 }
 
+// The values of the lowest line stand below it, the names in the corner.
 void draw_line(QPainter *painter, const axis &rows, const axis &cost, const cost_line &line,
-               const QColor &colour)
+               int index)
 {
+    const QColor &colour = colours[index % 3];
+    const double value_shift = index == 0 ? 16 : -16;
     painter->setPen(QPen(colour, 2));
     painter->setBrush(colour);
     QPolygonF drawn;
     for (const QPointF &point : line.points) {
         drawn.append({rows.at(point.x()), cost.at(point.y())});
         painter->drawEllipse(drawn.constLast(), 3, 3);
-        painter->drawText(box(drawn.constLast().x(), drawn.constLast().y() - 16), Qt::AlignCenter,
-                          QLocale::c().toString(point.y(), 'f', 1));
+        painter->drawText(box(drawn.constLast().x(), drawn.constLast().y() + value_shift),
+                          Qt::AlignCenter, QLocale::c().toString(point.y(), 'f', 1));
     }
     painter->drawPolyline(drawn);
-    painter->drawText(drawn.constLast() + QPointF(-120, 22), line.name);
+    painter->drawText(QPointF(area.right() - 90, area.top() + 20 + 20 * index), line.name);
 }
 
 } // namespace
@@ -116,7 +119,7 @@ bool write_cost_plot(const QString &path, const QString &title, const QVector<co
                      QStringLiteral("rows"));
     painter.drawText(QPointF(16, 50), QStringLiteral("µs per row"));
     for (int i = 0; i < lines.size(); ++i)
-        draw_line(&painter, rows, cost, lines.at(i), colours[i % 3]);
+        draw_line(&painter, rows, cost, lines.at(i), i);
     painter.end();
     return image.save(path, "PNG");
 }

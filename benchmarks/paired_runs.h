@@ -9,12 +9,20 @@
 #include <functional>
 #include <vector>
 
+struct run_outcome
+{
+    int rows = -1; // negative on a failure
+    // What the contender itself has measured, when a part of the call is not to count; else
+    // negative.
+    double own_elapsed_us = -1;
+};
+
 // A way to get the rows of a source.
 struct contender
 {
     QString name;
-    // Does one run into an empty database; returns the rows, -1 on a failure.
-    std::function<int()> run;
+    // Does one run into an empty database.
+    std::function<run_outcome()> run;
     int most_rounds;
 };
 

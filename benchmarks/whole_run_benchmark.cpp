@@ -31,6 +31,7 @@ constexpr int items_per_transfer = 20;
 constexpr int largest_paired_peer = 20000; // rows; above that the script gets fewer rounds
 constexpr int rounds_of_large_peer = 1;
 constexpr double kibibytes_per_mebibyte = 1024;
+constexpr double microseconds_per_second = 1e6;
 constexpr char single_run_option[] = "--single-run";
 
 enum class logging { off, clear, enciphered };
@@ -82,13 +83,17 @@ int extract(const QString &root, const QString &result_folder, const QString &ta
     return int(records);
 }
 
-int run_script(const generated_source &source, const QString &table, int rows)
+// The start of Python does not count.
+run_outcome run_script(const generated_source &source, const QString &table)
 {
     QProcess script;
     script.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     script.start(QStringLiteral("python3"),
                  {QStringLiteral(CYBERDUCK_PEER_SCRIPT), source.root(), table, source.database()});
-    return script.waitForFinished(-1) && script.exitCode() == 0 ? rows : -1;
+    if (!script.waitForFinished(-1) || script.exitCode() != 0)
+        return {};
+    const QList<QByteArray> told = script.readAllStandardOutput().split(' ');
+    return {told.value(0).toInt(), told.value(1).toDouble() * microseconds_per_second};
 }
 
 // Peak resident size of a process of its own for one run, in MiB.
@@ -172,13 +177,13 @@ measured_case measure_case(const case_plan &plan)
     const floor_shape floor = floor_of(plan, source);
     const auto plug_in = [&](logging log) {
         return [&source, table, log] {
-            return extract(source.root(), source.result_folder(), table, log);
+            return run_outcome{extract(source.root(), source.result_folder(), table, log)};
         };
     };
     std::vector<contender> contenders = {
-        {QStringLiteral("floor"), [&floor] { return run_floor(floor); }, plan.rounds},
+        {QStringLiteral("floor"), [&floor] { return run_outcome{run_floor(floor)}; }, plan.rounds},
         {QStringLiteral("plug-in"), plug_in(logging::off), plan.rounds},
-        {QStringLiteral("script"), [&] { return run_script(source, table, rows); },
+        {QStringLiteral("script"), [&] { return run_script(source, table); },
          rows > largest_paired_peer ? rounds_of_large_peer : plan.rounds}};
     if (plan.logs) {
         contenders.push_back(
@@ -212,6 +217,10 @@ void print_case(const measured_case &measured)
                      .arg(one.times_first, 6, 'f', 2)
                      .arg(one.rounds);
     }
+    out() << QStringLiteral("  the script takes %1 times as long as the plug-in\n")
+                 .arg(measured.contenders[2].elapsed_us_per_row /
+                          measured.contenders[1].elapsed_us_per_row,
+                      0, 'f', 1);
     out().flush();
 }
 
