@@ -18,12 +18,10 @@
 #include <QProcess>
 #include <QTextStream>
 
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <memory>
-#include <optional>
+#include <functional>
+#include <vector>
 
 namespace {
 
@@ -96,23 +94,28 @@ run_outcome run_script(const generated_source &source, const QString &table)
     return {told.value(0).toInt(), told.value(1).toDouble() * microseconds_per_second};
 }
 
-// Peak resident size of a process of its own for one run, in MiB.
+// Peak resident size of this program so far, in MiB. What getrusage tells would include that of the
+// process that started it.
+double peak_mib()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    const QByteArray all = status.readAll();
+    const int start = all.indexOf("VmHWM:") + 6;
+    return all.mid(start, all.indexOf("kB", start) - start).trimmed().toDouble() /
+           kibibytes_per_mebibyte;
+}
+
+// The same of a process of its own for one run.
 double peak_of_one_run(const generated_source &source, const QString &table)
 {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        const QByteArray program = QFile::encodeName(QCoreApplication::applicationFilePath());
-        ::execl(program.constData(), program.constData(), single_run_option,
-                QFile::encodeName(source.root()).constData(),
-                QFile::encodeName(source.result_folder()).constData(), table.toLatin1().constData(),
-                nullptr);
-        ::_exit(127);
-    }
-    int status = 0;
-    rusage used = {};
-    if (::wait4(child, &status, 0, &used) != child || status != 0)
+    QProcess single;
+    single.start(QCoreApplication::applicationFilePath(),
+                 {QLatin1String(single_run_option), source.root(), source.result_folder(), table});
+    if (!single.waitForFinished(-1) || single.exitCode() != 0)
         qFatal("the run of its own failed");
-    return double(used.ru_maxrss) / kibibytes_per_mebibyte;
+    return single.readAllStandardOutput().toDouble();
 }
 
 // Whether the files of all sources are out of the system's cache afterwards.
@@ -330,8 +333,11 @@ int main(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     const QStringList arguments = QApplication::arguments();
-    if (arguments.value(1) == QLatin1String(single_run_option))
-        return extract(arguments.value(2), arguments.value(3), arguments.value(4), logging::off) <
-               0;
+    if (arguments.value(1) == QLatin1String(single_run_option)) {
+        const int rows =
+            extract(arguments.value(2), arguments.value(3), arguments.value(4), logging::off);
+        out() << peak_mib();
+        return rows < 0;
+    }
     return run(arguments);
 }
