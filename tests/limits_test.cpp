@@ -58,7 +58,7 @@ run_cost extract(const source_builder &source)
     rusage usage = {};
     ::wait4(child, &cost.status, 0, &usage);
     cost.cpu_seconds = seconds_of(usage.ru_utime) + seconds_of(usage.ru_stime);
-    cost.peak_kib = usage.ru_maxrss;
+    cost.peak_kib = usage.ru_maxrss / MEMORY_UNITS_PER_KIB;
     return cost;
 }
 
@@ -136,6 +136,14 @@ QByteArray long_path()
     return queue_of_path("~" + QByteArray("/Documents/..").repeated(2 * mebibyte));
 }
 
+struct forged_file
+{
+    const char *name;
+    QByteArray (*make)();
+    const char *place; // counts from the bookmarks' folder
+    bool is_list;
+};
+
 class limits : public ::testing::Test
 {
 protected:
@@ -145,6 +153,17 @@ protected:
         plain.write(QStringLiteral("Users/alice") + QLatin1String(older_bookmarks) + "z.duck",
                     xml_dictionary({}));
         return extract(plain);
+    }
+
+    void check(const forged_file &file) const
+    {
+        SCOPED_TRACE(file.name);
+        const source_builder source;
+        source.make_folder(QStringLiteral("Users/alice/Documents"));
+        source.write(QStringLiteral("Users/alice") + QLatin1String(older_bookmarks) + file.place,
+                     file.make());
+        std::printf("%s:\n", file.name);
+        check(source, file.is_list ? 2 : 1);
     }
 
     void check(const source_builder &source, int expected_bookmarks) const
@@ -165,31 +184,26 @@ protected:
 
 TEST_F(limits, a_forged_list_costs_less_than_a_second_and_64_mebibytes)
 {
-    const struct
-    {
-        const char *name;
-        QByteArray (*make)();
-        const char *place;
-        int bookmarks; // with the good one
-    } rows[] = {
-        {"64 MiB of random bytes", [] { return random_bytes(64 * mebibyte); }, "a.duck", 1},
-        {"random bytes up to the limit", [] { return random_bytes(32 * mebibyte); }, "a.duck", 1},
-        {"XML, a million deep", deep_xml, "a.duck", 1},
-        {"binary, a million deep", deep_binary, "a.duck", 2},
-        {"2^60 objects", claiming_objects, "a.duck", 1},
-        {"values of 2^60", claiming_values, "a.duck", 2},
-        {"a text of 31 MiB", long_text, "a.duck", 2},
-        {"a path of 24 MiB", long_path, "../Transfers/a.cyberducktransfer", 1},
-    };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(row.name);
-        const source_builder source;
-        source.make_folder(QStringLiteral("Users/alice/Documents"));
-        source.write(QStringLiteral("Users/alice") + QLatin1String(older_bookmarks) + row.place,
-                     row.make());
-        std::printf("%s:\n", row.name);
-        check(source, row.bookmarks);
-    }
+    for (const forged_file &row : std::initializer_list<forged_file>{
+             {"64 MiB of random bytes", [] { return random_bytes(64 * mebibyte); }, "a.duck",
+              false},
+             {"random bytes up to the limit", [] { return random_bytes(32 * mebibyte); }, "a.duck",
+              false},
+             {"XML, a million deep", deep_xml, "a.duck", false},
+             {"2^60 objects", claiming_objects, "a.duck", false},
+         })
+        check(row);
+}
+
+TEST_F(limits, only_what_is_asked_for_costs_anything)
+{
+    for (const forged_file &row : std::initializer_list<forged_file>{
+             {"binary, a million deep", deep_binary, "a.duck", true},
+             {"values of 2^60", claiming_values, "a.duck", true},
+             {"a text of 31 MiB", long_text, "a.duck", true},
+             {"a path of 24 MiB", long_path, "../Transfers/a.cyberducktransfer", false},
+         })
+        check(row);
 }
 
 TEST_F(limits, random_bytes_beside_a_local_copy_cost_no_more)
