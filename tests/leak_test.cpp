@@ -11,7 +11,8 @@
 #include <malloc.h>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#include <sanitizer/allocator_interface.h>
+// Of the sanitizers' runtime; GCC comes without the header.
+extern "C" size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
 namespace {
