@@ -10,13 +10,17 @@ namespace stand_ins {
 
 namespace {
 
+struct ownership {
+    int count = 0;
+    std::string maker;
+};
+
 struct scripted_world {
     NSMutableDictionary *attributes = [[NSMutableDictionary alloc] init];
     NSMutableDictionary *image_properties = [[NSMutableDictionary alloc] init];
     std::string raising_function;
     std::set<std::string> called;
-    std::map<const void *, int> owned;
-    std::map<const void *, std::string> makers;
+    std::map<const void *, ownership> owned;
     QStringList wrong_releases;
 };
 
@@ -26,10 +30,10 @@ scripted_world &world() {
 }
 
 const void *took(NSObject *object, const char *function) {
-    const void *address = object;
-    ++world().owned[address];
-    world().makers[address] = function;
-    return address;
+    ownership &owned = world().owned[object];
+    ++owned.count;
+    owned.maker = function;
+    return object;
 }
 
 } // namespace
@@ -40,7 +44,6 @@ void reset() {
     world().raising_function.clear();
     world().called.clear();
     world().owned.clear();
-    world().makers.clear();
     world().wrong_releases.clear();
 }
 
@@ -60,10 +63,10 @@ std::vector<std::string> called_functions() {
 
 QStringList faults() {
     QStringList lines = world().wrong_releases;
-    for (const auto &[object, count] : world().owned)
+    for (const auto &[object, owned] : world().owned)
         lines += QStringLiteral("%1 object(s) of %2 not released")
-                     .arg(count)
-                     .arg(QString::fromStdString(world().makers[object]));
+                     .arg(owned.count)
+                     .arg(QString::fromStdString(owned.maker));
     return lines;
 }
 
@@ -109,7 +112,7 @@ void CFRelease(CFTypeRef object) {
         world().wrong_releases += QStringLiteral("released what was not owned");
         return;
     }
-    if (--found->second == 0)
+    if (--found->second.count == 0)
         owned.erase(found);
     [static_cast<NSObject *>(const_cast<void *>(object)) release];
 }
