@@ -34,8 +34,8 @@ class spotlight_catalog
 public:
     virtual ~spotlight_catalog() = default;
     // `path`: absolute, reachable here, links already resolved. Null when there is no such file.
-    // The item must not outlive the catalog. It may be the one that was handed out for the same path
-    // just before.
+    // The item must not outlive the catalog. It may be the one that was handed out for the same
+    // path just before.
     [[nodiscard]] virtual std::shared_ptr<spotlight_item> item(const QString &path) = 0;
     // Lines worth a place in the debug log that have come up since the last call: which sources of
     // metadata were found, why one could not be used.
