@@ -49,6 +49,7 @@ round_times measure(const contender &one, int rows)
 double median_of(const std::vector<round_times> &rounds, double round_times::*value)
 {
     std::vector<double> values;
+    values.reserve(rounds.size());
     for (const round_times &round : rounds)
         values.push_back(round.*value);
     std::sort(values.begin(), values.end());
