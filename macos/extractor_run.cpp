@@ -134,7 +134,7 @@ step extractor_run::read_folder(const QString &folder,
 
 extractor_run::found extractor_run::load_entry(const support::folder_walk &walk)
 {
-    if (!walk.name_is_text()) {
+    if (!walk.path_is_text()) {
         log(profile_.words.path_failed, walk.path());
         return found::nothing;
     }

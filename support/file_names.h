@@ -15,6 +15,9 @@ namespace support {
 
 [[nodiscard]] inline QString decoded_name(const QByteArray &name)
 {
+    // Qt takes a leading byte-order mark away, which is a character of the name.
+    if (name.startsWith("\xef\xbb\xbf"))
+        return QString::fromLocal8Bit('/' + name).mid(1);
     return QString::fromLocal8Bit(name);
 }
 

@@ -55,6 +55,7 @@ bool folder_walk::open_next_folder()
             directory_.reset(::fdopendir(descriptor));
             if (directory_) {
                 shown_folder_ = support::decoded_name(recorded_ + folder_);
+                folder_is_text_ = support::encoded_name(shown_folder_) == recorded_ + folder_;
                 return true;
             }
             ::close(descriptor);
@@ -115,15 +116,17 @@ bool folder_walk::take(const dirent &found)
     return true;
 }
 
-bool folder_walk::kind_of(const dirent &found, entry_kind *kind) const
+bool folder_walk::kind_of(const dirent &found, entry_kind *kind)
 {
     mode_t mode = 0;
     if (found.d_type != DT_UNKNOWN) {
         mode = static_cast<mode_t>(DTTOIF(found.d_type));
     } else {
         struct stat status = {};
-        if (::fstatat(::dirfd(directory_.get()), found.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+        if (::fstatat(::dirfd(directory_.get()), found.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+            is_whole_ = is_whole_ && errno == ENOENT; // what is gone is not left out
             return false;
+        }
         mode = status.st_mode;
     }
     if (S_ISREG(mode))
@@ -148,9 +151,10 @@ QString folder_walk::real_path() const
     return support::decoded_name(real_ + folder_ + name_);
 }
 
-bool folder_walk::name_is_text() const
+bool folder_walk::path_is_text() const
 {
-    return is_plain(name_) || support::encoded_name(support::decoded_name(name_)) == name_;
+    return folder_is_text_ &&
+           (is_plain(name_) || support::encoded_name(support::decoded_name(name_)) == name_);
 }
 
 } // namespace support

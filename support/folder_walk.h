@@ -47,8 +47,9 @@ public:
     [[nodiscard]] QString path() const;
     // Full path, starting with the real folder.
     [[nodiscard]] QString real_path() const;
-    // False when the name's bytes are no text in the system's encoding: its path opens nothing.
-    [[nodiscard]] bool name_is_text() const;
+    // False when the path's bytes are no text in the system's encoding: what path() shows is then
+    // not what the source has, and opens nothing.
+    [[nodiscard]] bool path_is_text() const;
 
 private:
     struct directory_closer
@@ -60,7 +61,7 @@ private:
     void note_failed();
     void close_folder();
     bool take(const dirent &found);
-    [[nodiscard]] bool kind_of(const dirent &found, entry_kind *kind) const;
+    bool kind_of(const dirent &found, entry_kind *kind);
 
     QByteArray recorded_;                     // ends in "/"
     QByteArray real_;                         // ends in "/"
@@ -68,6 +69,7 @@ private:
     std::unique_ptr<DIR, directory_closer> directory_;
     QByteArray folder_;    // the open one, below the walk's folder; empty or ends in "/"
     QString shown_folder_; // its path, starting with the recorded one, decoded once for all entries
+    bool folder_is_text_ = true;
     QByteArray name_;
     QStringList failed_;
     entry_kind kind_ = entry_kind::file;

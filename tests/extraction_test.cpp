@@ -21,7 +21,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -149,6 +152,34 @@ TEST_F(extraction, failing_lists_cost_one_line_each_in_every_extractor)
     for (const char *table : {"bookmarks", "history", "transfers"})
         EXPECT_TRUE(source.rows(QLatin1String(table)).isEmpty()) << table;
 }
+
+#ifndef __APPLE__ // whose file systems take no such names
+// A row would show another path than the source has.
+TEST_F(extraction, lists_whose_path_is_no_text_are_told)
+{
+    const QByteArray bookmarks = QFile::encodeName(source.root() + in_home(older_bookmarks, ""));
+    const auto move_away = [&](const QByteArray &to) {
+        const QString path = source.write(in_home(older_bookmarks, "new/x.duck"),
+                                          xml_dictionary(text_entry("Nickname", "x")));
+        EXPECT_EQ(::rename(QFileInfo(path).path().toUtf8(), bookmarks + to), 0);
+    };
+    move_away("\xff");
+    move_away("\xef\xbb\xbf"); // a byte-order mark, which is text
+    EXPECT_EQ(::link(bookmarks + "\xff/x.duck", bookmarks + "\xff.duck"), 0);
+    EXPECT_EQ(::link(bookmarks + "\xff/x.duck", bookmarks + "\xef\xbb\xbfy.duck"), 0);
+    EXPECT_EQ(run(&cyberduck_macos::xcode_extract_bookmarks)
+                  .filter(QStringLiteral("target_file open ------FAILED------"))
+                  .size(),
+              2);
+    QStringList files;
+    for (const QVariantMap &row : source.rows(QStringLiteral("bookmarks")))
+        files.append(row.value(QStringLiteral("source_file")).toString().section("Bookmarks/", 1));
+    files.sort();
+    EXPECT_EQ(files,
+              QStringList({QStringLiteral("\ufeff/x.duck"), QStringLiteral("\ufeffy.duck")}));
+    std::filesystem::remove_all(bookmarks.toStdString()); // Qt does not find them
+}
+#endif
 
 TEST_F(extraction, transfers_without_host_or_items_are_told)
 {
