@@ -6,6 +6,8 @@
 
 #include <QSqlQuery>
 
+#include <utility>
+
 namespace macos {
 
 namespace {
@@ -40,7 +42,8 @@ result_connection::~result_connection()
 bool result_connection::open()
 {
     support::wait_as_allowed(&database_);
-    if (!open_database(&database_, &connection_))
+    is_open_ = open_database(&database_, &connection_);
+    if (!is_open_)
         return false;
     begin();
     return true;
@@ -65,8 +68,9 @@ bool result_connection::begin_after_loss()
 
 bool result_connection::finish()
 {
+    const bool was_open = std::exchange(is_open_, false);
     if (!database_.isOpen())
-        return true;
+        return !was_open; // another run has taken the name
     support::set_wait(&database_, true);
     bool committed = false;
     {
@@ -90,7 +94,7 @@ std::unique_ptr<row_writer> result_connection::make_writer(const char *statement
 {
 #ifdef CYBERDUCK_SHARES_SQLITE
     if (connection_ != nullptr)
-        return std::make_unique<sqlite_row_writer>(connection_, statement);
+        return std::make_unique<sqlite_row_writer>(database_, connection_, statement);
 #endif
     return std::make_unique<query_row_writer>(database_, statement);
 }

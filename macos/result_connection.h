@@ -36,8 +36,8 @@ public:
 
     // Opens the database and begins the transaction. False when it cannot be opened.
     bool open();
-    // Commits and closes; false when the rows could not be committed and are lost. Statements must
-    // be gone.
+    // Commits and closes; false when the rows could not be committed and are lost, as when another
+    // run inside this one has taken the name. Statements must be gone.
     bool finish();
     // After a failed insert: whether the database has given up the transaction, and with it the
     // rows since it began, as it does on a full disk. If so, another one is open now.
@@ -54,6 +54,7 @@ private:
     QString name_;
     QSqlDatabase database_;
     sqlite3 *connection_ = nullptr; // the driver's own; null where it cannot be shared
+    bool is_open_ = false;          // as far as this object did it
     bool may_write_ = false;        // since the transaction began
     QSqlError commit_error_;
 };

@@ -1,6 +1,7 @@
 #include "sqlite_row_writer.h"
 
 #include <QSqlDriver>
+#include <QSqlError>
 #include <QVariant>
 
 #include <sqlite3.h>
@@ -53,8 +54,10 @@ bool open_seeing_connection(QSqlDatabase *database, sqlite3 **connection)
     return opened;
 }
 
-sqlite_row_writer::sqlite_row_writer(sqlite3 *connection, const char *statement)
-    : connection_(connection)
+sqlite_row_writer::sqlite_row_writer(const QSqlDatabase &database, sqlite3 *connection,
+                                     const char *statement)
+    : database_(database)
+    , connection_(connection)
     , statement_text_(QLatin1String(statement))
 {
     prepare();
@@ -62,11 +65,18 @@ sqlite_row_writer::sqlite_row_writer(sqlite3 *connection, const char *statement)
 
 sqlite_row_writer::~sqlite_row_writer()
 {
+    const bool kept_open = statement_ != nullptr && !database_.isOpen();
     sqlite3_finalize(statement_);
+    if (kept_open)
+        sqlite3_close(connection_);
 }
 
 bool sqlite_row_writer::prepare()
 {
+    if (!database_.isOpen()) {
+        error_text_ = database_.lastError().text();
+        return false;
+    }
     return sqlite3_prepare_v2(connection_, statement_text_.toUtf8().constData(), -1, &statement_,
                               nullptr) == SQLITE_OK ||
            fail("Unable to execute statement");

@@ -24,8 +24,9 @@ bool open_seeing_connection(QSqlDatabase *database, sqlite3 **connection);
 class sqlite_row_writer final : public row_writer
 {
 public:
-    // Must die before the connection is closed.
-    sqlite_row_writer(sqlite3 *connection, const char *statement);
+    // `connection` is that of `database`'s driver. Must die before it is closed; where another run
+    // has taken the name of `database` meanwhile, it closes what the driver then had to leave open.
+    sqlite_row_writer(const QSqlDatabase &database, sqlite3 *connection, const char *statement);
     ~sqlite_row_writer() override;
     sqlite_row_writer(const sqlite_row_writer &) = delete;
     sqlite_row_writer &operator=(const sqlite_row_writer &) = delete;
@@ -47,7 +48,8 @@ private:
     // Keeps the connection's error in the words of Qt's driver; false.
     bool fail(const char *what_failed);
 
-    sqlite3 *connection_;
+    QSqlDatabase database_;
+    sqlite3 *connection_; // not to be used when the database is closed, but with a statement
     sqlite3_stmt *statement_ = nullptr;
     QString statement_text_;
     QString error_text_;

@@ -119,4 +119,21 @@ TEST_F(row_writer_test, both_ways_fail_in_the_same_words)
     EXPECT_TRUE(insert(&query_missing, QString(), QString()));
 }
 
+// As when the host starts another run from inside the record signal.
+TEST_F(row_writer_test, rows_are_lost_with_the_name_of_the_connection)
+{
+    const QString here = connection.database().databaseName();
+    EXPECT_TRUE(insert(quick.get(), QStringLiteral("a"), QStringLiteral("1")));
+    result_connection(QStringLiteral("row writer"), QStringLiteral(":memory:")).open();
+    EXPECT_FALSE(connection.make_writer(statement)->insert(nullptr, 0));
+    quick.reset();
+    by_query.reset();
+    EXPECT_FALSE(connection.finish());
+    EXPECT_TRUE(connection.finish());
+    // Nothing is left that would keep others from writing.
+    result_connection next(QStringLiteral("next"), here);
+    EXPECT_TRUE(next.open());
+    EXPECT_TRUE(QSqlQuery(next.database()).exec(QStringLiteral("create table rows (a text)")));
+}
+
 } // namespace
