@@ -87,8 +87,13 @@ QStringList names_in(const QString &folder, const QString &root)
     if (!listing && descriptor >= 0)
         ::close(descriptor);
     QStringList names;
-    while (const dirent *entry = listing ? ::readdir(listing.get()) : nullptr)
-        names.append(support::decoded_name(entry->d_name));
+    while (const dirent *entry = listing ? ::readdir(listing.get()) : nullptr) {
+        const QString name = support::decoded_name(entry->d_name);
+        if (support::encoded_name(name) == entry->d_name)
+            names.append(name);
+        else
+            warn(QStringLiteral("%1/%2 is not read: its name is not UTF-8.").arg(folder, name));
+    }
     return names;
 }
 

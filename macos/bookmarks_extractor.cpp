@@ -15,6 +15,7 @@ const extractor_profile bookmarks_profile = {
         "[xcode_extract_bookmarks] m_plist open ------FAILED------",
         "[xcode_extract_bookmarks] outside the source ------FAILED------",
         "[xcode_extract_bookmarks] text too long, cut ------FAILED------",
+        "[xcode_extract_bookmarks] list too large, values left out ------FAILED------",
         "[xcode_extract_bookmarks] folder open ------FAILED------",
         "[extract_bookmarks] insert in bookmarks --------FAILED-------",
         false,

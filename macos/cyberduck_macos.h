@@ -126,7 +126,8 @@ private:
     // Transfers: one list, one item of it, what is known of the item's local copy.
     macos::step read_transfer(const macos::loaded_list &list, macos::extractor_run *run);
     // `row` has the transfer's own fields; those of the item before are replaced.
-    void insert_item(const platform::property_list_value &item, const QString &user,
+    // False, without a row, when the list gives no more values.
+    bool insert_item(const platform::property_list_value &item, const QString &user,
                      macos::transfer_row *row, macos::extractor_run *run);
     void describe_local_copy(const QString &local_path, const support::resolved_path &place,
                              macos::transfer_row *row);

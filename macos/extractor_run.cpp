@@ -166,6 +166,8 @@ step extractor_run::read_entry(const support::folder_walk &walk, const QString &
     const step ended = read({path, user, list_.root()});
     if (list_.root().take_cut_text())
         log(profile_.words.text_cut, path);
+    if (list_.root().has_left_out())
+        log(profile_.words.values_left_out, path);
     return ended;
 }
 

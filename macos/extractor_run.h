@@ -44,11 +44,12 @@ struct extractor_words
     const char *starts;
     const char *database_failed;
     const char *failed_end;
-    const char *path_failed;    // the path follows
-    const char *list_failed;    // the path follows
-    const char *outside_source; // the path follows
-    const char *text_cut;       // the path follows
-    const char *folder_failed;  // the path follows
+    const char *path_failed;     // the path follows
+    const char *list_failed;     // the path follows
+    const char *outside_source;  // the path follows
+    const char *text_cut;        // the path follows
+    const char *values_left_out; // the path follows
+    const char *folder_failed;   // the path follows
     const char *insert_failed;
     bool insert_failed_names_database; // the database's file name follows
     const char *insert_error;          // the error follows

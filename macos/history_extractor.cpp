@@ -15,6 +15,7 @@ const extractor_profile history_profile = {
         "[xcode_extract_history] m_plist is nil ------FAILED------",
         "[xcode_extract_history] outside the source ------FAILED------",
         "[xcode_extract_history] text too long, cut ------FAILED------",
+        "[xcode_extract_history] list too large, values left out ------FAILED------",
         "[xcode_extract_history] folder open ------FAILED------",
         " insert in history ---------FAILED----- ",
         true,

@@ -97,6 +97,10 @@ void cyberduck_macos::xcode_extract_preferences(QString plist_path, QString user
         log_extract(
             QStringLiteral("[xcode_extract_preferences] text too long, cut ------FAILED------") +
             plist_path);
+    if (list.root().has_left_out())
+        log_extract(QStringLiteral("[xcode_extract_preferences] list too large, values left out "
+                                   "------FAILED------") +
+                    plist_path);
     if (!connection.finish())
         rows_lost(connection.error_text());
     log_extract(QStringLiteral("xcode_extract_preferences Ends"));

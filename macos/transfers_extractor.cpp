@@ -18,6 +18,7 @@ const extractor_profile transfers_profile = {
         "[xcode_extract_transfers] m_plist open ------FAILED------",
         "[xcode_extract_transfers] outside the source ------FAILED------",
         "[xcode_extract_transfers] text too long, cut ------FAILED------",
+        "[xcode_extract_transfers] list too large, values left out ------FAILED------",
         "[xcode_extract_transfers] folder open ------FAILED------",
         "[xcode_extract_transfers] insert in transfers ---------FAILED--------",
         false,
@@ -158,18 +159,18 @@ macos::step cyberduck_macos::read_transfer(const macos::loaded_list &list,
     for (int i = 0; i < count; ++i) {
         if (run->is_cancelled())
             return step::cancelled;
-        if (run->list_is_full()) {
+        const property_list_value item = items.at(i);
+        if (!item.is(value_kind::dictionary))
+            continue;
+        if (run->list_is_full() || !insert_item(item, list.user, &row, run)) {
             run->log(rows_left_out, list.path);
             return step::done;
         }
-        const property_list_value item = items.at(i);
-        if (item.is(value_kind::dictionary))
-            insert_item(item, list.user, &row, run);
     }
     return step::done;
 }
 
-void cyberduck_macos::insert_item(const platform::property_list_value &item, const QString &user,
+bool cyberduck_macos::insert_item(const platform::property_list_value &item, const QString &user,
                                   macos::transfer_row *row, macos::extractor_run *run)
 {
     // Instead of copying the whole row: 0.5 µs less an item.
@@ -177,6 +178,8 @@ void cyberduck_macos::insert_item(const platform::property_list_value &item, con
     static_cast<struct_GLOBAL_ARTIFACT_cfstring_attributes &>(*row) = {};
     macos::read_remote(item, row);
     const QString recorded = macos::recorded_path(item, QStringLiteral("Local Dictionary"));
+    if (item.is_spent())
+        return false;
     const QString local_path =
         recorded.isNull() ? QString() : run->paths().reachable(recorded, user);
     const support::resolved_path place =
@@ -187,9 +190,10 @@ void cyberduck_macos::insert_item(const platform::property_list_value &item, con
         run->log(macos::transfers_profile.words.folder_failed, place.path);
     row->local_path = run->paths().shown(local_path, user);
     describe_local_copy(local_path, place, row);
-    if (is_cancelled())
-        return; // half of what is to be told of the copy is no row
-    run->insert(macos::transfer_columns, *row);
+    // Half of what is to be told of the copy is no row.
+    if (!is_cancelled())
+        run->insert(macos::transfer_columns, *row);
+    return true;
 }
 
 void cyberduck_macos::xcode_extract_transfers()

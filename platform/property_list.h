@@ -57,12 +57,24 @@ public:
     // Whether text() has left out the end of one since this was asked last.
     [[nodiscard]] bool take_cut_text() const { return std::exchange(has_cut_text_, false); }
 
+    // Whether values of the list were absent, since it was loaded, because they cost more than one
+    // may.
+    [[nodiscard]] bool has_left_out() const { return has_left_out_; }
+    // Whether the list has cost as much as one may: from now on texts and values are absent.
+    [[nodiscard]] bool is_spent() const { return is_spent_; }
+
 protected:
+    void note_left_out() const { has_left_out_ = true; }
+    void note_spent() const { has_left_out_ = is_spent_ = true; }
+    // For a list that is loaded anew.
+    void forget_left_out() const { has_left_out_ = is_spent_ = false; }
     // For text(): `text` up to the limit, no surrogate pair torn apart.
     [[nodiscard]] QString within_limit(QString text) const;
 
 private:
     mutable bool has_cut_text_ = false;
+    mutable bool has_left_out_ = false;
+    mutable bool is_spent_ = false;
 };
 
 class property_list_value
@@ -94,7 +106,12 @@ public:
     {
         return reader_ == nullptr ? QString() : reader_->text(node_);
     }
-    // Of any value of the same list.
+    // These three, of any value of the same list.
+    [[nodiscard]] bool has_left_out() const
+    {
+        return reader_ != nullptr && reader_->has_left_out();
+    }
+    [[nodiscard]] bool is_spent() const { return reader_ != nullptr && reader_->is_spent(); }
     [[nodiscard]] bool take_cut_text() const
     {
         return reader_ != nullptr && reader_->take_cut_text();

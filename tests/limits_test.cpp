@@ -269,4 +269,40 @@ TEST_F(limits, a_long_text_is_cut_and_told)
               QString(mebibyte, QLatin1Char('x')));
 }
 
+// Each item names one dictionary of half a million entries, which few bytes can: its keys and
+// values are the same object. Items beyond what one list may cost are no rows without values.
+TEST_F(limits, a_list_that_costs_too_much_ends_with_a_whole_row_and_is_told)
+{
+    constexpr int shared_entries = 500'000;
+    constexpr int items = 60;
+    binary_list_builder builder(4, 1);
+    const int letter = builder.text("x");
+    std::vector<std::pair<int, int>> entries(shared_entries, {letter, letter});
+    entries.emplace_back(builder.text("Remote"), builder.text("/kept"));
+    const int large = builder.dictionary(entries);
+    const int item = builder.dictionary({{builder.text("Remote"), large}});
+    const int host = builder.dictionary({{builder.text("Hostname"), letter}});
+    const int queue = builder.array(std::vector<int>(items, item));
+    const int top =
+        builder.dictionary({{builder.text("Host"), host}, {builder.text("Items"), queue}});
+    const source_builder source;
+    const QString path = source.write(QStringLiteral("Users/alice") +
+                                          QLatin1String(older_transfers) + "a.cyberducktransfer",
+                                      builder.list(quint64(top)));
+    log_capture log;
+    source.adapter({QStringLiteral("alice")})->xcode_extract_transfers();
+    const QStringList told = log.take_messages().filter(QStringLiteral("left out"));
+    EXPECT_EQ(told, QStringList({"[xcode_extract_transfers] items too large, rest left out "
+                                 "------FAILED------" +
+                                     path,
+                                 "[xcode_extract_transfers] list too large, values left out "
+                                 "------FAILED------" +
+                                     path}));
+    const QList<QVariantMap> rows = source.rows(QStringLiteral("transfers"));
+    EXPECT_GT(rows.size(), 0);
+    EXPECT_LT(rows.size(), items);
+    for (const QVariantMap &row : rows)
+        EXPECT_EQ(row.value(QStringLiteral("remote_path")).toString(), QStringLiteral("/kept"));
+}
+
 } // namespace

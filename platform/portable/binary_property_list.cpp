@@ -132,6 +132,7 @@ void binary_property_list::clear()
 {
     bytes_ = nullptr;
     root_ = 0;
+    forget_left_out();
 }
 
 bool binary_property_list::fits(quint64 offset, quint64 count, quint64 item_bytes) const
@@ -141,8 +142,10 @@ bool binary_property_list::fits(quint64 offset, quint64 count, quint64 item_byte
 
 bool binary_property_list::spend(quint64 work) const
 {
-    if (work > work_left_)
+    if (work > work_left_) {
+        note_spent();
         return false;
+    }
     work_left_ -= work;
     return true;
 }
@@ -201,6 +204,13 @@ binary_property_list::object binary_property_list::object_at(quint64 offset) con
     const auto as = [&](value_kind kind, quint64 item_bytes) {
         found.kind = fits(content_offset, found.count, item_bytes) ? kind : value_kind::absent;
     };
+    const auto as_container = [&](value_kind kind, quint64 entry_bytes) {
+        as(kind, entry_bytes);
+        if (found.kind == value_kind::absent || found.count <= largest_container_count)
+            return;
+        found.kind = value_kind::absent;
+        note_left_out();
+    };
     switch (found.type) {
     case data_type:
         as(value_kind::data, 1);
@@ -215,12 +225,10 @@ binary_property_list::object binary_property_list::object_at(quint64 offset) con
         as(value_kind::text, 2);
         break;
     case array_type:
-        if (found.count <= largest_container_count)
-            as(value_kind::array, reference_bytes_);
+        as_container(value_kind::array, reference_bytes_);
         break;
     case dictionary_type:
-        if (found.count <= largest_container_count)
-            as(value_kind::dictionary, 2 * reference_bytes_);
+        as_container(value_kind::dictionary, 2 * reference_bytes_);
         break;
     default:
         break;
