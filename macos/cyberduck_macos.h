@@ -168,6 +168,6 @@ private:
     QStringList preferences_file_list;
 
     qint64 signal_interval_ms = 1000;
-    QPair<QString, QString> attributes_of_no_file_;         // made once a run, 5 µs less an item
+    QPair<QString, QString> attributes_of_no_file_;         // made once a run, 3 µs less an item
     QCache<QString, macos::local_copy_facts> known_copies_; // by resolved path
 };

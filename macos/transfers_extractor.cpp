@@ -173,7 +173,7 @@ macos::step cyberduck_macos::read_transfer(const macos::loaded_list &list,
 bool cyberduck_macos::insert_item(const platform::property_list_value &item, const QString &user,
                                   macos::transfer_row *row, macos::extractor_run *run)
 {
-    // Instead of copying the whole row: 0.5 µs less an item.
+    // Instead of copying the whole row: 0.2 µs less an item.
     static_cast<macos::item_fields &>(*row) = {};
     static_cast<struct_GLOBAL_ARTIFACT_cfstring_attributes &>(*row) = {};
     macos::read_remote(item, row);

@@ -27,7 +27,7 @@ QByteArray with_trailing_slash(const QString &folder)
 }
 
 // Whether the bytes mean the same in every encoding of names: then they need no codec, which costs
-// 0.3 µs each time.
+// 0.1 µs each time.
 bool is_plain(const QByteArray &name)
 {
     return std::all_of(name.begin(), name.end(), [](char byte) { return uchar(byte) < 0x80; });

@@ -34,7 +34,7 @@ public:
     // links are followed, as by the system, and a path of more than 4,096 bytes below the root, or
     // of as many names, is missing: no file can be opened by it.
     // The folder that was resolved last is remembered: of its next file only the last component is
-    // looked at, which takes 1 µs instead of one for each component. Not thread-safe.
+    // looked at, which takes 2 µs instead of 8. Not thread-safe.
     [[nodiscard]] resolved_path resolve(const QString &path) const;
 
 private:
