@@ -54,6 +54,11 @@ public:
         require(database_.open());
     }
 
+    // Qt removes no file whose name is no text.
+    ~target() { fuzz::empty_folder(source_.toStdString()); }
+    target(const target &) = delete;
+    target &operator=(const target &) = delete;
+
     void run(std::uint8_t chosen, const std::uint8_t *data, size_t size)
     {
         const std::string source = source_.toStdString();
