@@ -71,7 +71,7 @@ void draw_grid(QPainter *painter, const axis &rows, const axis &cost)
     }
 }
 
-// The values of the lowest line stand below it, the names in the corner.
+// The values of the lowest line stand below it. The names stand in the corner.
 void draw_line(QPainter *painter, const axis &rows, const axis &cost, const cost_line &line,
                int index)
 {

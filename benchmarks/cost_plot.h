@@ -1,4 +1,4 @@
-// Draws what a row costs against the number of rows.
+// Draws the cost of a row against the number of rows.
 #pragma once
 
 #include <QPointF>

@@ -1,12 +1,12 @@
-// What each step of an extraction costs, in microseconds for one list or row, and each extractor as
-// a whole.
+// Measures each step of an extraction for one list or row, and each extractor as a whole, in
+// microseconds.
 #include "generated_source.h"
-#include "macos/bookmarks_extractor.h"
-#include "macos/cyberduck_macos.h"
+#include "extraction/bookmarks.h"
+#include "host_interface/adapters/cyberduck_macos.h"
 #include "platform/property_list.h"
-#include "support/evidence_file.h"
-#include "support/folder_walk.h"
-#include "tests/support/binary_list_builder.h"
+#include "evidence/files/evidence_file.h"
+#include "evidence/folders/folder_walk.h"
+#include "samples/binary_list_builder.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -26,7 +26,7 @@ constexpr int list_count = 20000;
 constexpr int other_preferences = 2000;
 constexpr qint64 largest_read_bytes = 1 << 20;
 
-// One source for all measurements, made once.
+// One source serves all measurements.
 const generated_source &source()
 {
     static const std::unique_ptr<generated_source> made = [] {
@@ -56,7 +56,7 @@ template <typename Step> void walk_and(benchmark::State &state, Step step)
 {
     const QString folder = source().lists_of(bookmarks_table);
     for (auto _ : state) {
-        support::folder_walk walk(folder, folder);
+        evidence::folder_walk walk(folder, folder);
         while (walk.next())
             step(walk);
     }
@@ -65,14 +65,14 @@ template <typename Step> void walk_and(benchmark::State &state, Step step)
 
 void walk_folder(benchmark::State &state)
 {
-    walk_and(state, [](const support::folder_walk &walk) {
+    walk_and(state, [](const evidence::folder_walk &walk) {
         benchmark::DoNotOptimize(walk.name().constData());
     });
 }
 
 void walk_and_stat(benchmark::State &state)
 {
-    walk_and(state, [](const support::folder_walk &walk) {
+    walk_and(state, [](const evidence::folder_walk &walk) {
         struct stat status = {};
         ::fstatat(walk.folder_descriptor(), walk.name().constData(), &status, AT_SYMLINK_NOFOLLOW);
         benchmark::DoNotOptimize(status);
@@ -81,10 +81,10 @@ void walk_and_stat(benchmark::State &state)
 
 void walk_and_read(benchmark::State &state)
 {
-    support::evidence_file file;
+    evidence::evidence_file file;
     QByteArray bytes;
-    walk_and(state, [&](const support::folder_walk &walk) {
-        if (!file.open_at(walk.folder_descriptor(), walk.name().constData()) ||
+    walk_and(state, [&](const evidence::folder_walk &walk) {
+        if (!file.open_listed(walk.folder_descriptor(), walk.name().constData()) ||
             !file.read_all(&bytes, largest_read_bytes))
             state.SkipWithError("a generated list was not read");
     });
@@ -126,15 +126,15 @@ void parse_binary(benchmark::State &state)
     parse(state, as_binary(connection_list(1)));
 }
 
-// Parsing is included: a second reading of one list would find its keys already sorted out.
+// Includes parsing: a list that was read before has its keys sorted already.
 void read_row(benchmark::State &state, const QByteArray &bytes)
 {
-    const macos::path_mapper paths(source().root(), QStringLiteral("macOS_Image"));
+    const extraction::path_mapper paths(source().root(), QStringLiteral("macOS_Image"));
     platform::property_list list;
     for (auto _ : state) {
         list.load_bytes(bytes);
-        benchmark::DoNotOptimize(
-            macos::read_bookmark({QString(), QStringLiteral("alice"), list.root()}, paths));
+        benchmark::DoNotOptimize(extraction::read_bookmark(
+            {QString(), QStringLiteral("alice"), list.root(), {}}, paths));
     }
 }
 
@@ -150,20 +150,20 @@ void read_row_of_binary(benchmark::State &state)
 
 void map_path(benchmark::State &state)
 {
-    const macos::path_mapper paths(source().root(), QStringLiteral("macOS_Image"));
+    const extraction::path_mapper paths(source().root(), QStringLiteral("macOS_Image"));
     const QString path = source().lists_of(bookmarks_table) + QStringLiteral("12345.duck");
     for (auto _ : state)
         benchmark::DoNotOptimize(paths.source_files(path, QStringLiteral("alice")));
 }
 
-std::vector<macos::bookmark_row> two_rows()
+std::vector<extraction::bookmark_row> two_rows()
 {
-    macos::bookmark_row row;
-    for (const auto &column : macos::bookmark_columns)
+    extraction::bookmark_row row;
+    for (const auto &column : extraction::bookmark_columns)
         row.*column.field = QStringLiteral("a text of some length");
-    std::vector<macos::bookmark_row> rows(2, row);
-    // As from list to list: the connection's texts are new ones each time.
-    for (macos::bookmark_row &changed : rows) {
+    std::vector<extraction::bookmark_row> rows(2, row);
+    // As between two lists, the texts of the connection are new each time.
+    for (extraction::bookmark_row &changed : rows) {
         for (QString *text :
              {&changed.nickname, &changed.hostname, &changed.uuid, &changed.port,
               &changed.remote_path, &changed.protocol, &changed.username, &changed.access_timestamp,
@@ -177,16 +177,19 @@ std::vector<macos::bookmark_row> two_rows()
 // `on` picks what the statement is made from.
 template <typename On> void insert_rows(benchmark::State &state, On on)
 {
-    const std::vector<macos::bookmark_row> rows = two_rows();
+    const std::vector<extraction::bookmark_row> rows = two_rows();
     for (auto _ : state) {
         state.PauseTiming();
         source().make_database();
         state.ResumeTiming();
-        macos::result_connection connection(QStringLiteral("benchmark"), source().database());
+        results::lock_wait wait;
+        results::result_connection connection(QStringLiteral("benchmark"), source().database(),
+                                              wait);
         connection.open();
-        macos::insert_statement statement(on(&connection), macos::bookmarks_profile.statement);
+        results::insert_statement statement(on(&connection),
+                                            extraction::bookmarks::own_profile.statement);
         for (size_t i = 0; i < list_count; ++i) {
-            if (!statement.insert_row(macos::bookmark_columns, rows[i % 2]))
+            if (!statement.insert_row(extraction::bookmark_columns, rows[i % 2]))
                 state.SkipWithError("a row was not inserted");
         }
     }
@@ -196,18 +199,18 @@ template <typename On> void insert_rows(benchmark::State &state, On on)
 void bind_and_step(benchmark::State &state)
 {
     insert_rows(
-        state, [](macos::result_connection * connection) -> auto & { return *connection; });
+        state, [](results::result_connection * connection) -> auto & { return *connection; });
 }
 
-// The way where the driver's SQLite is not the one that this code is linked with.
+// For drivers that use another copy of SQLite than this code.
 void bind_and_step_by_query(benchmark::State &state)
 {
     insert_rows(
         state,
-        [](macos::result_connection * connection) -> auto & { return connection->database(); });
+        [](results::result_connection * connection) -> auto & { return connection->database(); });
 }
 
-// What each row costs while no signal is due, and what one signal does.
+// The cost of a row while no signal is due, and of one signal.
 void ask_for_signal(benchmark::State &state)
 {
     QElapsedTimer timer;

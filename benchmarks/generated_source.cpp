@@ -1,7 +1,7 @@
 #include "generated_source.h"
 
-#include "macos/preferences_table.h"
-#include "plugin/cyberduck.h"
+#include "extraction/preferences_table.h"
+#include "host_interface/frame/cyberduck.h"
 
 #include <QDir>
 #include <QFile>
@@ -158,10 +158,19 @@ void generated_source::write_transfers(int count, int items, bool with_local_cop
     }
 }
 
+QByteArray generated_source::local_copy_of(const QByteArray &list_path, int item) const
+{
+    const int number_start = list_path.lastIndexOf('/') + 1;
+    const QByteArray number =
+        list_path.mid(number_start, list_path.indexOf('.', number_start) - number_start);
+    return QFile::encodeName(root()) + "Users/alice/Downloads/transfer " + number + '/' +
+           file_name(item);
+}
+
 void generated_source::write_preferences(int others)
 {
     QByteArray entries;
-    for (const macos::preference &entry : macos::preferences())
+    for (const extraction::preference &entry : extraction::known_preferences())
         entries += text_entry(entry.key, "true");
     for (int i = 0; i < others; ++i)
         entries += text_entry("some.other.preference." + QByteArray::number(i), "value");

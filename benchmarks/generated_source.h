@@ -1,8 +1,8 @@
-// Sources of any size, written below a folder, and the result database that goes with them: what
-// the benchmarks measure over.
+// Writes sources of any size below a folder, and makes a result database for them. The benchmarks
+// measure over these.
 #pragma once
 
-#include "plugin/host_records.h"
+#include "host_interface/host_records.h"
 
 #include <QByteArray>
 #include <QString>
@@ -21,17 +21,19 @@ class generated_source
 public:
     generated_source();
 
-    // `count` lists of a kind; the tables of the result database are made empty.
+    // Writes `count` lists of a kind, and empties the tables of the result database.
     void write_connections(const char *table, int count);
-    // `count` queued transfers of `items` each. The local copies, when there are any, hold 300
-    // bytes each, one folder for each transfer.
+    // Writes `count` queued transfers of `items` each. Local copies, if any, have 300 bytes each,
+    // in one folder per transfer.
     void write_transfers(int count, int items, bool with_local_copies);
-    // A settings file with every preference that the plug-in knows and `others` that it does not.
+    // Writes a settings file with every known preference and `others` unknown ones.
     void write_preferences(int others);
 
     [[nodiscard]] QString root() const { return folder_.filePath(QStringLiteral("source/")); }
-    // Where the lists of a kind lie, with trailing "/".
+    // The folder of the lists of a kind, with trailing "/".
     [[nodiscard]] QString lists_of(const char *table) const;
+    // Of an item of a list that write_transfers() made.
+    [[nodiscard]] QByteArray local_copy_of(const QByteArray &list_path, int item) const;
     [[nodiscard]] QString preferences() const;
     [[nodiscard]] QString result_folder() const
     {

@@ -1,7 +1,8 @@
-// Classifies a million generated names per round; prints names per second. The names mix suffixes
-// of all lists with unknown ones, which are the slowest: their whole bucket is walked.
-#include "support/media_extensions.h"
-#include "support/plugin_helper_functions.h"
+// Classifies a million generated names per round and prints names per second. The names have
+// suffixes of all lists, and unknown ones. Unknown ones are the slowest: their whole bucket is
+// searched.
+#include "text/media/media_extensions.h"
+#include "host_interface/library/plugin_helper_functions.h"
 
 #include <QApplication>
 
@@ -18,9 +19,9 @@ using check = bool (plugin_helper_functions::*)(QString);
 std::vector<QString> make_names()
 {
     std::vector<QString> suffixes;
-    for (const char *extension : support::image_extensions)
+    for (const char *extension : text::image_extensions)
         suffixes.emplace_back(QLatin1String(extension));
-    for (const char *extension : support::audio_extensions)
+    for (const char *extension : text::audio_extensions)
         suffixes.emplace_back(QString(QLatin1String(extension)).toUpper());
     for (const char *unknown : {".wmv", ".pdf", ".sqlite", ".plist", ".mzz", ".szz", ".azz", ""})
         suffixes.insert(suffixes.end(), 60, QLatin1String(unknown));

@@ -1,5 +1,5 @@
-// Measures whole runs over one source in turn, so that what disturbs the machine disturbs all of
-// them alike.
+// Measures several contenders in turn over one source. Other work on the machine then disturbs them
+// alike.
 #pragma once
 
 #include "generated_source.h"
@@ -12,16 +12,16 @@
 struct run_outcome
 {
     int rows = -1; // negative on a failure
-    // What the contender itself has measured, when a part of the call is not to count; else
+    // The time that the contender itself measured, if a part of the call must not count. Otherwise
     // negative.
     double own_elapsed_us = -1;
 };
 
-// A way to get the rows of a source.
+// A program that gets the rows of a source.
 struct contender
 {
     QString name;
-    // Does one run into an empty database.
+    // Runs once, into an empty database.
     std::function<run_outcome()> run;
     int most_rounds;
 };
@@ -33,12 +33,12 @@ struct measured_contender
     // Medians of all rounds: elapsed time and time on a processor.
     double elapsed_us_per_row = 0;
     double processor_us_per_row = 0;
-    // Median of the quotients with the first contender's elapsed time in the same round.
+    // Median of the ratios to the first contender's elapsed time in the same round.
     double times_first = 0;
 };
 
-// Runs the contenders one after the other, `rounds` times, over `source`; ends the program when one
-// does not give `rows` rows. `before_each`, which is not measured, comes before each run.
+// Runs the contenders one after the other over `source`, `rounds` times. Ends the program when one
+// does not give `rows` rows. `before_each` is called before each run and is not measured.
 [[nodiscard]] std::vector<measured_contender>
 measure_in_turn(const std::vector<contender> &contenders, int rounds, int rows,
                 const std::function<void()> &before_each);

@@ -1,7 +1,7 @@
-// Microseconds for one property list of the usual size: read it, then ask for what a bookmark
-// holds.
+// Measures one property list of the usual size: reading it, then asking for the values of a
+// bookmark, in microseconds.
 #include "platform/property_list.h"
-#include "support/evidence_file.h"
+#include "evidence/files/evidence_file.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -57,7 +57,7 @@ QByteArray xml_bookmark()
     return list + "</dict>\n</plist>\n";
 }
 
-// Objects as they come: a key and its value each, the top last.
+// Keys and values in turn, the top object last.
 QByteArray binary_bookmark()
 {
     QByteArray bytes = "bplist00";
@@ -98,8 +98,8 @@ QByteArray binary_bookmark()
     return bytes + offsets + trailer;
 }
 
-// What the rows of bookmarks are made of.
-qint64 read_bookmark(const platform::property_list_value &root)
+// The keys that rows of bookmarks are made of.
+qint64 read_bookmark(const formats::property_list_value &root)
 {
     static const std::array<QString, 9> keys = {
         QStringLiteral("Path"),     QStringLiteral("Protocol"), QStringLiteral("Nickname"),
@@ -148,7 +148,7 @@ void from_file(benchmark::State &state, const QByteArray &bytes)
     set_rate(state, bytes);
 }
 
-// The baselines: what the bytes cost without a list made of them.
+// The baselines: the cost of the bytes without making a list of them.
 void file_alone(benchmark::State &state)
 {
     const QByteArray bytes = xml_bookmark();
@@ -160,9 +160,9 @@ void file_alone(benchmark::State &state)
     const QByteArray path = QFile::encodeName(file.fileName());
     QByteArray content;
     content.reserve(16 * 1024);
-    support::evidence_file opened;
+    evidence::evidence_file opened;
     for (auto _ : state) {
-        opened.open(path.constData());
+        opened.open(path);
         benchmark::DoNotOptimize(opened.read_all(&content, 1 << 20));
         opened.close();
     }

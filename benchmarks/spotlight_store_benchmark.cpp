@@ -1,7 +1,7 @@
-// What the index of a volume costs: to read once, to keep, and to ask.
-#include "platform/portable/spotlight_store.h"
+// Measures the index of a volume: reading it once, its memory, and asking it.
+#include "formats/spotlight_store/spotlight_store.h"
 
-#include "tests/support/spotlight_store_writer.h"
+#include "samples/spotlight_store_writer.h"
 
 #include <benchmark/benchmark.h>
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-using namespace test_support;
+using namespace samples;
 
 constexpr quint64 records_per_folder = 50;
 constexpr quint64 first_id = 100;
@@ -48,10 +48,11 @@ QHash<QString, QByteArray> volume_of(quint64 records)
     return writer.folder();
 }
 
-std::unique_ptr<platform::spotlight_store> opened(const QHash<QString, QByteArray> &files)
+std::unique_ptr<formats::spotlight_store> opened(const QHash<QString, QByteArray> &files,
+                                                 formats::spotlight_budget *budget)
 {
-    return std::make_unique<platform::spotlight_store>(
-        std::make_unique<platform::memory_byte_folder>(files), QStringLiteral("store"));
+    return std::make_unique<formats::spotlight_store>(
+        std::make_unique<evidence::memory_byte_folder>(files), QStringLiteral("store"), budget);
 }
 
 void index_store(benchmark::State &state)
@@ -60,8 +61,9 @@ void index_store(benchmark::State &state)
     size_t bytes = 0;
     size_t records = 0;
     for (auto _ : state) {
-        const auto store = opened(files);
-        store->load(nullptr);
+        formats::spotlight_budget budget;
+        const auto store = opened(files, &budget);
+        store->load();
         bytes = store->index().memory_bytes();
         records = store->index().size();
     }
@@ -70,15 +72,17 @@ void index_store(benchmark::State &state)
     state.counters["MiB"] = double(bytes) / 1048576.0;
 }
 
-// By path, then one attribute of it; the files asked for lie all over the volume.
+// Looks a file up by path and reads one attribute. The files are spread over the volume.
 void look_up(benchmark::State &state)
 {
     const auto files = volume_of(quint64(state.range(0)));
-    const auto store = opened(files);
-    store->load(nullptr);
+    formats::spotlight_budget budget;
+    const auto store = opened(files, &budget);
+    store->load();
     quint64 id = first_id;
     size_t found = 0;
     for (auto _ : state) {
+        budget.grant_question();
         id = first_id + records_per_folder + (id * 7919) % (quint64(state.range(0)) - 200);
         id += id % records_per_folder == 0 ? 1 : 0;
         const QStringList path = {folder_name(id - id % records_per_folder), file_name(id)};

@@ -1,6 +1,6 @@
-// Cleans printed lists of some megabytes; prints bytes of text per second. The rate must not fall
-// with the size: a forged attribute may be as long as its file.
-#include "support/plugin_static_function.h"
+// Cleans printed lists of several megabytes and prints bytes of text per second. The rate must not
+// fall with the size: a forged attribute may be as long as its file.
+#include "host_interface/library/plugin_static_function.h"
 
 #include <benchmark/benchmark.h>
 
@@ -19,7 +19,7 @@ QString repeated(const QString &element, int size)
     return text + QLatin1Char(')');
 }
 
-void run(benchmark::State &state, filter cleaning, const char *element)
+void measure(benchmark::State &state, filter cleaning, const char *element)
 {
     const QString text =
         repeated(QString::fromLatin1(element), static_cast<int>(state.range(0)) * bytes_per_mb);
@@ -34,30 +34,33 @@ constexpr char escapes[] = "\\U2019s\\Ud83d\\Ude00";
 
 } // namespace
 
-BENCHMARK_CAPTURE(run, where_from_addresses, plugin_static_function::get_filtered_wherefrom_value,
-                  addresses)
+BENCHMARK_CAPTURE(measure, where_from_addresses,
+                  plugin_static_function::get_filtered_wherefrom_value, addresses)
     ->Arg(1)
     ->Arg(16)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, where_from_marks, plugin_static_function::get_filtered_wherefrom_value,
+BENCHMARK_CAPTURE(measure, where_from_marks, plugin_static_function::get_filtered_wherefrom_value,
                   marks_only)
     ->Arg(1)
     ->Arg(16)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, where_from_escapes, plugin_static_function::get_filtered_wherefrom_value,
+BENCHMARK_CAPTURE(measure, where_from_escapes, plugin_static_function::get_filtered_wherefrom_value,
                   escapes)
     ->Arg(1)
     ->Arg(16)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, list_addresses, plugin_static_function::get_filtered_string_value, addresses)
+BENCHMARK_CAPTURE(measure, list_addresses, plugin_static_function::get_filtered_string_value,
+                  addresses)
     ->Arg(1)
     ->Arg(16)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, list_marks, plugin_static_function::get_filtered_string_value, marks_only)
+BENCHMARK_CAPTURE(measure, list_marks, plugin_static_function::get_filtered_string_value,
+                  marks_only)
     ->Arg(1)
     ->Arg(16)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, decoded_escapes, plugin_static_function::convert_string_to_unicode, escapes)
+BENCHMARK_CAPTURE(measure, decoded_escapes, plugin_static_function::convert_string_to_unicode,
+                  escapes)
     ->Arg(1)
     ->Arg(16)
     ->Unit(benchmark::kMillisecond);

@@ -1,13 +1,14 @@
-// The whole extraction against the least that it can cost and against the script that an examiner
-// would write, in turn and over the same files. Prints a table; --json and --plot write it as such.
+// Compares the whole extraction with the least that it can cost and with the script that an
+// examiner would write, over the same files, in turn. Prints a table. --json and --plot write
+// files.
 #include "cost_plot.h"
 #include "floor.h"
 #include "generated_source.h"
-#include "macos/bookmarks_extractor.h"
-#include "macos/history_extractor.h"
-#include "macos/transfers_extractor.h"
+#include "extraction/bookmarks.h"
+#include "extraction/history.h"
+#include "extraction/transfers.h"
 #include "paired_runs.h"
-#include "plugin/cyberduck.h"
+#include "host_interface/frame/cyberduck.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -41,7 +42,7 @@ struct measured_case
     int rows = 0;
     bool is_cold = false;
     std::vector<measured_contender> contenders;
-    double peak_mib = 0; // of a process that does nothing but one run of the plug-in
+    double peak_mib = 0; // of a process that only runs the plug-in once
 };
 
 QTextStream &out()
@@ -50,7 +51,7 @@ QTextStream &out()
     return stream;
 }
 
-// One run of the plug-in as a host does it; returns the records that it counted.
+// Runs the plug-in once, as a host does. Returns the number of records that it counted.
 int extract(const QString &root, const QString &result_folder, const QString &table, logging log)
 {
     struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_source_info source;
@@ -81,7 +82,7 @@ int extract(const QString &root, const QString &result_folder, const QString &ta
     return int(records);
 }
 
-// The start of Python does not count.
+// Starting Python is not measured.
 run_outcome run_script(const generated_source &source, const QString &table)
 {
     QProcess script;
@@ -94,8 +95,8 @@ run_outcome run_script(const generated_source &source, const QString &table)
     return {told.value(0).toInt(), told.value(1).toDouble() * microseconds_per_second};
 }
 
-// Peak resident size of this program so far, in MiB. What getrusage tells would include that of the
-// process that started it.
+// Peak resident size of this program so far, in MiB. getrusage would include that of the process
+// that started it.
 double peak_mib()
 {
     QFile status(QStringLiteral("/proc/self/status"));
@@ -107,7 +108,7 @@ double peak_mib()
            kibibytes_per_mebibyte;
 }
 
-// The same of a process of its own for one run.
+// The same for a process of its own that does one run.
 double peak_of_one_run(const generated_source &source, const QString &table)
 {
     QProcess single;
@@ -118,7 +119,7 @@ double peak_of_one_run(const generated_source &source, const QString &table)
     return single.readAllStandardOutput().toDouble();
 }
 
-// Whether the files of all sources are out of the system's cache afterwards.
+// Drops the files of all sources from the system's cache. False when that fails.
 bool drop_cache()
 {
     ::sync();
@@ -139,7 +140,7 @@ struct case_plan
 };
 
 template <typename Row, size_t Count>
-QList<QByteArray> names_of(const macos::column_field<Row> (&columns)[Count])
+QList<QByteArray> names_of(const results::column_field<Row> (&columns)[Count])
 {
     QList<QByteArray> names;
     for (const auto &column : columns)
@@ -150,12 +151,12 @@ QList<QByteArray> names_of(const macos::column_field<Row> (&columns)[Count])
 QList<QByteArray> columns_of(const QString &table)
 {
     if (table == QLatin1String(bookmarks_table))
-        return names_of(macos::bookmark_columns);
-    return table == QLatin1String(history_table) ? names_of(macos::history_columns)
-                                                 : names_of(macos::transfer_columns);
+        return names_of(extraction::bookmark_columns);
+    return table == QLatin1String(history_table) ? names_of(extraction::history_columns)
+                                                 : names_of(extraction::transfer_columns);
 }
 
-// Its rows hold the texts of one that the plug-in has made.
+// Its rows have the texts of a row that the plug-in wrote.
 floor_shape floor_of(const case_plan &plan, const generated_source &source)
 {
     const QString table = QLatin1String(plan.table);
@@ -165,6 +166,10 @@ floor_shape floor_of(const case_plan &plan, const generated_source &source)
     shape.folder = source.lists_of(plan.table);
     shape.suffix = is_transfer ? QStringLiteral(".cyberducktransfer") : QStringLiteral(".duck");
     shape.rows_per_file = plan.rows_per_list;
+    if (plan.has_copies)
+        shape.copy_of = [&source](const QByteArray &list, int row) {
+            return source.local_copy_of(list, row);
+        };
     return shape;
 }
 
@@ -292,7 +297,7 @@ std::vector<case_plan> all_cases(int rounds)
     return plans;
 }
 
-int run(const QStringList &arguments)
+int run_all(const QStringList &arguments)
 {
     QCommandLineParser parser;
     const QCommandLineOption rounds(QStringLiteral("rounds"), QStringLiteral("Paired runs."),
@@ -339,5 +344,5 @@ int main(int argc, char **argv)
         out() << peak_mib();
         return rows < 0;
     }
-    return run(arguments);
+    return run_all(arguments);
 }

@@ -1,6 +1,6 @@
 // Writes the volume's index of the invented source:  make_example_index SOURCE
 // Sizes are those of the files that lie there; the same files always give the same bytes.
-#include "tests/support/spotlight_store_writer.h"
+#include "samples/spotlight_store_writer.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -12,7 +12,7 @@
 
 namespace {
 
-using namespace test_support;
+using namespace samples;
 
 constexpr char store_identity[] = "6C0C8B5E-3F1D-4C55-9A54-0D1B7E2A9F30";
 constexpr qint64 updated_microseconds = 1600000000000000;

@@ -1,7 +1,7 @@
-// What is done with each value that comes out of bytes of a source.
+// Uses a value that was read from bytes of a source.
 #pragma once
 
-#include "platform/spotlight_value.h"
+#include "formats/attributes/spotlight_value.h"
 
 #include <QString>
 #include <QStringList>
@@ -17,12 +17,12 @@ inline QStringList exercised_attributes()
 }
 
 // A value always has a text, and the text of a list is always ASCII.
-inline void exercise(const std::optional<platform::spotlight_value> &value)
+inline void exercise(const std::optional<formats::spotlight_value> &value)
 {
     if (!value)
         return;
-    const QString text = platform::description_text(*value);
-    const bool is_list = std::holds_alternative<platform::spotlight_list>(*value);
-    if (text.isNull() || (is_list && !platform::has_c_string(text)))
+    const QString text = formats::description_text(*value);
+    const bool is_list = std::holds_alternative<formats::spotlight_list>(*value);
+    if (text.isNull() || (is_list && !formats::has_c_string(text)))
         std::abort();
 }

@@ -1,5 +1,5 @@
-// An image of any kind, asked for its position.
-#include "platform/portable/image_gps.h"
+// Reads the position of an image of any kind.
+#include "formats/exif/image_gps.h"
 
 #include <cmath>
 #include <cstddef>
@@ -8,9 +8,9 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, size_t size)
 {
-    platform::memory_byte_source bytes(
+    evidence::memory_byte_source bytes(
         QByteArray::fromRawData(reinterpret_cast<const char *>(data), int(size)));
-    const platform::gps_position position = platform::read_image_gps(bytes);
+    const formats::gps_position position = formats::read_image_gps(bytes);
     for (const auto &degrees : {position.latitude, position.longitude}) {
         if (degrees && !std::isfinite(*degrees))
             std::abort();

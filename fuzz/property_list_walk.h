@@ -1,9 +1,9 @@
-// Asks everything of a loaded property list, as often as a bound allows.
+// Asks a loaded property list for all its values, up to a bound.
 #pragma once
 
 #include "platform/portable/foundation_stand_ins.h"
 #include "platform/property_list.h"
-#include "support/plugin_static_function.h"
+#include "host_interface/library/plugin_static_function.h"
 
 #include <QByteArray>
 
@@ -14,7 +14,7 @@
 namespace fuzz {
 
 // The host's readers of single values, each for one key of a dictionary.
-inline void read_for_host(const platform::property_list_value &value, const QString &name)
+inline void read_for_host(const formats::property_list_value &value, const QString &name)
 {
     using library = plugin_static_function;
     platform::listed_dictionary listed(value);
@@ -31,17 +31,17 @@ inline void read_for_host(const platform::property_list_value &value, const QStr
 }
 
 // Lists may hold themselves: stops after a fixed number of values.
-inline void walk_property_list(const platform::property_list_value &root)
+inline void walk_property_list(const formats::property_list_value &root)
 {
-    using platform::value_kind;
+    using formats::value_kind;
     constexpr int most_values = 500;
     constexpr int most_elements = 100;
     constexpr int most_read_for_host = 3; // each asks for whole arrays
     const QString keys[] = {QStringLiteral("Path"), QStringLiteral("a"), QStringLiteral("\u00e9"),
                             QString()};
-    std::vector<platform::property_list_value> waiting = {root};
+    std::vector<formats::property_list_value> waiting = {root};
     for (int done = 0; done < most_values && !waiting.empty(); ++done) {
-        const platform::property_list_value value = waiting.back();
+        const formats::property_list_value value = waiting.back();
         waiting.pop_back();
         if (value.is(value_kind::text) == value.text().isNull() ||
             value.class_name().isNull() != value.is(value_kind::absent) ||
@@ -52,7 +52,7 @@ inline void walk_property_list(const platform::property_list_value &root)
         plugin_static_function::convert_nsdate_to_epoch(platform::as_nsdate(&date),
                                                         platform::as_nsobject(&date));
         static_cast<void>(value.integer_value());
-        const auto visit = [&](const platform::property_list_value &found) {
+        const auto visit = [&](const formats::property_list_value &found) {
             if (!found.is(value_kind::absent))
                 waiting.push_back(found);
         };
@@ -67,7 +67,7 @@ inline void walk_property_list(const platform::property_list_value &root)
     }
 }
 
-// For a fuzzer's input: reads it as a list after `prefix`.
+// Reads `prefix` and the fuzzer's input as a list.
 inline void read_and_walk(const char *prefix, const std::uint8_t *data, std::size_t size)
 {
     static platform::property_list list;

@@ -1,6 +1,6 @@
 #include "property_list_walk.h"
 
-// The input is a whole list; only what begins like a binary one is left to the other fuzzer.
+// The input is a whole list. Inputs that begin like a binary list are left to the other fuzzer.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     if (size > 0 && data[0] == 'b')

@@ -1,182 +1,152 @@
-// A whole source, extracted through the plug-in's object: the first byte holds switches (see
-// below), the rest is the source (see source_tree.h). Whatever it holds, the source stays as it
-// was, nothing beside it is opened, the database is sound and holds as many rows as were counted,
-// and each message of the log is one line.
-#include "fuzzed_text.h"
-#include "plugin/cyberduck.h"
-#include "source_tree.h"
-#include "watched_opens.h"
+// Extracts a whole source through the plug-in's object. The first byte holds switches (see below),
+// the rest is the source (see samples/source_from_bytes.h). After each run the source is unchanged,
+// no file beside it has become a row, the database is sound and holds as many rows as were counted
+// with the texts of the lists, and each message of the log is one line. An odd result database may
+// lose rows, nothing else.
+#include "samples/source_from_bytes.h"
+#include "tests/fixtures/evidence_snapshot.h"
+#include "tests/fixtures/host_driver.h"
+#include "platform/property_list.h"
+#include "tests/fixtures/result_rows.h"
+#include "text/stored_text.h"
 
 #include <QApplication>
-#include <QDir>
-#include <QFile>
+#include <QFileInfo>
 #include <QSqlDatabase>
-#include <QSqlQuery>
-#include <QTemporaryDir>
+#include <QVariantMap>
 
 #include <sanitizer/lsan_interface.h>
 
-namespace {
+#include <cstdlib>
 
-using fuzzed::require;
+namespace {
 
 enum switches : std::uint8_t {
     home_folder = 1,
-    with_log = 2,
     with_attributes = 4,
+    odd_database = 8, // the next two bits say which
 };
 
-// One plug-in object, one result folder and one source folder for all inputs: making them anew
-// would take most of the time.
+constexpr char make_odd[][120] = {
+    "create table bookmarks (INT integer primary key)",
+    "create view history as select 1 as INT",
+    "create table bookmarks (INT integer primary key, nickname check (nickname is null))",
+    "create table transfers (INT, hostname unique, port not null)",
+};
+
+constexpr char beside[] = "not of the source";
+
+void require(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
+
+// One plug-in object, one result folder and one source folder serve all inputs, because making them
+// takes most of the time.
 class target
 {
 public:
     target()
-        : folder_(place())
-        , source_(QDir(folder_.path()).canonicalPath() + QStringLiteral("/source/"))
-        , result_(QDir(folder_.path()).canonicalPath() + QStringLiteral("/result"))
-        , log_(result_ + QStringLiteral("/debug.log"))
     {
-        const QString beside = folder_.filePath(
-            QStringLiteral("beside/Library/Application Support/Cyberduck/Bookmarks"));
-        for (const QString &made : {source_, result_, beside})
-            QDir().mkpath(made);
-        QFile secret(beside + QStringLiteral("/secret.duck"));
-        require(secret.open(QIODevice::WriteOnly) && secret.write("<plist><dict/></plist>") > 0);
-        QObject::connect(&plugin_, &cyberduck::signal_extracted_records_of_plugin_overall,
-                         [this](qint64 records) { counted_ = records; });
-        plugin_.pub_set_engine_type(0);
-        plugin_.pub_set_result_directory(result_);
-        plugin_.pub_create_db_tables();
-        database_ = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("check"));
-        database_.setDatabaseName(result_ +
-                                  QStringLiteral("/Artifacts_Result/Cyberduck/Cyberduck.sqlite"));
-        require(database_.open());
+        // Makes Qt's own record of connections, which then outlives the plug-in's object.
+        static_cast<void>(QSqlDatabase::connectionNames());
+        source_.write(QStringLiteral("../beside") + QLatin1String(older_bookmarks) + "secret.duck",
+                      xml_dictionary(text_entry("Hostname", beside)));
     }
 
-    // Qt removes no file whose name is no text.
-    ~target() { fuzz::empty_folder(source_.toStdString()); }
+    // Qt does not remove files whose names are no text.
+    ~target() { samples::empty_folder(source_.root().toStdString()); }
     target(const target &) = delete;
     target &operator=(const target &) = delete;
 
     void run(std::uint8_t chosen, const std::uint8_t *data, size_t size)
     {
-        const std::string source = source_.toStdString();
-        fuzz::empty_folder(source);
-        fuzz::make_source_tree(source, data, size);
-        const auto before = fuzz::describe_tree(source);
-        watched_opens::begin(source.substr(0, source.size() - 1), result_.toStdString());
-        extract(chosen);
-        watched_opens::end();
-        require(fuzz::describe_tree(source) == before);
-        require(QDir(folder_.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size() ==
-                3);
-        check_database();
-        if ((chosen & with_log) != 0)
-            check_log();
-    }
-
-private:
-    // In memory where the system has such a place.
-    static QString place()
-    {
-        const QString memory = QStringLiteral("/dev/shm");
-        return (QFileInfo(memory).isWritable() ? memory : QDir::tempPath()) +
-               QStringLiteral("/source_tree-XXXXXX");
-    }
-
-    static QStringList tabs()
-    {
-        return {QStringLiteral("bookmarks"), QStringLiteral("history"), QStringLiteral("transfers"),
-                QStringLiteral("preferences")};
-    }
-
-    void extract(std::uint8_t chosen)
-    {
-        QFile::remove(log_);
-        struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_general_info general;
-        general.debug_mode_status = general.debug_print_in_file = (chosen & with_log) != 0;
-        general.debug_file_path = log_;
-        struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_source_info source;
-        source.fs_extraction_source_path = source_;
-        source.source_type_internal = (chosen & home_folder) != 0
-                                          ? QStringLiteral("macOS_Home_Directory")
-                                          : QStringLiteral("macOS_Image");
-        source.os_scheme_display = source.os_scheme_internal = QStringLiteral("macOS");
-        source.system_account_QList = {{QStringLiteral("alice"), {}},
-                                       {QStringLiteral("bob"), {}},
-                                       {QStringLiteral("../../beside"), {}}};
-        plugin_.pub_set_engine_type(0);
-        plugin_.pub_set_essentials();
-        plugin_.pub_set_engine_type(0);
-        plugin_.pub_set_general_info(general);
-        plugin_.pub_set_source_count(1);
-        plugin_.pub_set_source_info(source);
-        plugin_.pub_set_essential_for_haldo_bench_extraction(tabs(), {});
-        plugin_.pub_set_extended_attributes_list(
-            (chosen & with_attributes) != 0 ? QStringList{QStringLiteral("kMDItemFinderComment"),
-                                                          QStringLiteral("kMDItemFSSize"),
-                                                          QStringLiteral("kMDItemDownloadedDate"),
-                                                          QStringLiteral("com_apple_note")}
-                                            : QStringList());
-        plugin_.pub_set_result_directory(result_);
-        plugin_.pub_find_source_file();
-        plugin_.pub_extract_artifacts();
-        plugin_.pub_remove_temporary_asthetics();
-    }
-
-    // Leaves the tables empty.
-    void check_database() const
-    {
-        const auto answer = [this](const QString &question) {
-            QSqlQuery query(question, database_);
-            require(query.next());
-            return query.value(0);
-        };
-        require(answer(QStringLiteral("pragma integrity_check")) == QLatin1String("ok"));
-        qint64 rows = 0;
-        for (const QString &table : tabs()) {
-            rows += answer(QStringLiteral("select count(*) from ") + table).toLongLong();
-            require(QSqlQuery(database_).exec(QStringLiteral("delete from ") + table));
+        samples::empty_folder(source_.root().toStdString());
+        samples::make_source_tree(source_.root().toStdString(), data, size);
+        const QString outer = source_.outside(QStringLiteral("."));
+        host_.source_type = (chosen & home_folder) != 0 ? QStringLiteral("macOS_Home_Directory")
+                                                        : QStringLiteral("macOS_Image");
+        host_.attributes = (chosen & with_attributes) != 0 ? selected_ : QStringList();
+        const bool is_odd = (chosen & odd_database) != 0;
+        if (is_odd)
+            replace_database(make_odd[chosen / (2 * odd_database) % std::size(make_odd)]);
+        const evidence_snapshot before = snapshot_of(source_.root());
+        const run_outcome outcome = host_.run(true);
+        require(snapshot_of(source_.root()) == before);
+        require(QDir(outer).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size() == 3);
+        const result_reader results(source_.database());
+        require(results.integrity() == QLatin1String("ok"));
+        if (is_odd) {
+            QFile::remove(source_.database());
+        } else {
+            const table_rows rows = results.all_rows();
+            require(row_count(rows) == outcome.records);
+            require(rows[0].filter(QLatin1String(beside)).isEmpty());
+            if ((chosen & home_folder) == 0)
+                check_texts();
         }
-        require(rows == counted_);
-    }
-
-    void check_log() const
-    {
-        QFile log(log_);
-        require(log.open(QIODevice::ReadOnly));
-        const QString text = QString::fromUtf8(log.readAll());
-        require(text.endsWith(QLatin1Char('\n')));
-        const QStringList lines = text.chopped(1).split(QLatin1Char('\n'));
-        for (const QString &line : lines) {
-            require(line.startsWith(QLatin1Char('[')) &&
-                    line.contains(QLatin1String("][HALDO_BENCH][Artifacts Extraction][")));
+        for (const QString &line : outcome.log) {
             for (const QChar character : line)
                 require(character.category() != QChar::Other_Control);
         }
     }
 
-    QTemporaryDir folder_;
-    QString source_;
-    QString result_;
-    QString log_;
-    cyberduck plugin_;
-    QSqlDatabase database_;
-    qint64 counted_ = 0;
+private:
+    void replace_database(const char *statement)
+    {
+        QFile::remove(source_.database());
+        source_.execute(QLatin1String(statement));
+    }
+
+    // As bytes: reading through Qt would hide what a text of UTF-16 loses.
+    void check_texts()
+    {
+        const QList<QVariantMap> rows = source_.rows(
+            QStringLiteral("(select INT, source_file, cast(nickname as blob) as nickname, "
+                           "cast(hostname as blob) as hostname from bookmarks)"));
+        for (const QVariantMap &row : rows) {
+            const QString file = row.value(QStringLiteral("source_file")).toString();
+            if (!list_.load(source_.root() + file.mid(1)))
+                continue; // by way of a link, or replaced characters
+            for (const char *key : {"Nickname", "Hostname"}) {
+                const QString text = list_.root().value(QLatin1String(key)).text().trimmed();
+                const QVariant stored = row.value(QString::fromLatin1(key).toLower());
+                require(stored.isNull() == text.isNull());
+                require(stored.toByteArray() == text::whole_characters(text).toUtf8());
+            }
+        }
+    }
+
+    platform::property_list list_;
+    const QStringList selected_ = {
+        QStringLiteral("kMDItemFinderComment"), QStringLiteral("kMDItemFSSize"),
+        QStringLiteral("kMDItemDownloadedDate"), QStringLiteral("com_apple_note")};
+    source_builder source_;
+    host_driver host_{
+        source_, {QStringLiteral("alice"), QStringLiteral("bob"), QStringLiteral("../../beside")}};
 };
 
-// Never deleted: Qt's own statics are gone by the time libFuzzer leaves the program.
+// Never deleted: Qt's own statics are destroyed before libFuzzer leaves the program.
 QApplication *application = nullptr;
 
 } // namespace
+
+// A whole run allocates much and frees it soon.
+extern "C" const char *__asan_default_options() // NOLINT(bugprone-reserved-identifier)
+{
+    return "malloc_context_size=4:quarantine_size_mb=8:thread_local_quarantine_size_kb=64";
+}
 
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
     qputenv("QT_QPA_PLATFORM", "minimal");
     // File names are UTF-8, whatever the locale.
     qputenv("LC_ALL", "C.UTF-8");
-    // What Qt's platform keeps for good is no leak of ours.
+    // In memory where the system has such a place.
+    if (QFileInfo(QStringLiteral("/dev/shm")).isWritable())
+        qputenv("TMPDIR", "/dev/shm");
+    // Qt's platform never frees some memory. Those are not our leaks.
     const __lsan::ScopedDisabler leaks_not_counted;
     application = new QApplication(*argc, *argv);
     return 0;

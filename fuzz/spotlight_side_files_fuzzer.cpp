@@ -1,5 +1,5 @@
-// A store with its side files, one after the other: a byte that names the file, its size in two
-// bytes, least significant first, its bytes.
+// Reads a store with its side files. The input holds them one after the other: a byte for the
+// file's name, its size in two bytes, least significant first, and its bytes.
 #include "exercise_spotlight_store.h"
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// One file of an index, with whatever tables it holds inside.
+// Reads one file of an index, with the tables that it holds.
 #include "exercise_spotlight_store.h"
 
 #include <cstddef>

@@ -1,25 +1,25 @@
-#include "extract_command.h"
+#include "host/extract_command.h"
 
-#include "command_line.h"
-#include "extract_options.h"
-#include "extraction_run.h"
-#include "interrupt.h"
-#include "plugin_library.h"
-#include "result_place.h"
-#include "run_summary.h"
-#include "support/evidence_file.h"
-#include "support/file_names.h"
-#include "support/source_boundary.h"
+#include "host/options/command_line.h"
+#include "host/options/extract_options.h"
+#include "host/driving/extraction_run.h"
+#include "host/driving/interrupt.h"
+#include "host/driving/plugin_library.h"
+#include "host/findings/result_draft.h"
+#include "host/findings/result_place.h"
+#include "host/findings/run_failures.h"
+#include "host/findings/run_summary.h"
+#include "evidence/files/evidence_file.h"
+#include "evidence/files/file_names.h"
+#include "evidence/folders/folder_listing.h"
+#include "evidence/folders/source_boundary.h"
 
 #include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
-#include <memory>
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <unistd.h>
 
 namespace host {
 
@@ -27,8 +27,8 @@ namespace {
 
 using source_info = struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_source_info;
 
-// Absolute and ending in "/". Without doubled "/" and the like, since rows are shortened by this
-// text; but "link/.." may lead elsewhere than its text says.
+// Absolute, ending in "/", without doubled "/" and the like, because the paths in rows are cut by
+// this text. "link/.." stays: it may lead elsewhere than its text says.
 QString source_root(const QString &typed)
 {
     const QString absolute = QDir::current().absoluteFilePath(typed);
@@ -57,39 +57,31 @@ std::optional<failure> check_source(const QString &typed)
     return std::nullopt;
 }
 
-// A home that is a link counts when it leads to a folder of the source, an absolute link seen from
-// the source's own root: the system that used it found its files there. One that leads out of the
-// source is not evidence.
-bool is_home(const QFileInfo &entry, const QString &root)
+// A home that is a link counts when it leads to a folder of the source. An absolute link is
+// followed from the source's root, as the examined system did. A home outside the source is not
+// evidence.
+bool is_home(const QString &name, const QString &root, const evidence::source_boundary &boundary)
 {
-    if (entry.fileName() == QLatin1String("Shared") ||
-        entry.fileName().startsWith(QLatin1Char('.')))
+    if (name == QLatin1String("Shared") || name.startsWith(QLatin1Char('.')))
         return false;
-    if (!entry.isSymLink())
-        return entry.isDir();
-    const support::resolved_path place =
-        support::source_boundary(root).resolve(root + QStringLiteral("Users/") + entry.fileName());
-    return place.where == support::reach::inside && QFileInfo(place.path).isDir();
+    const evidence::resolved_path place = boundary.hold(root + QStringLiteral("Users/") + name);
+    return place.where == evidence::reach::inside && place.file->is_folder();
 }
 
-// Not by QDir, which would change the folder's access time. Nothing when `folder` leads out of the
-// source.
+// Does not use QDir, which would change the folder's access time. Returns nothing when `folder`
+// leads out of the source.
 QStringList names_in(const QString &folder, const QString &root)
 {
-    const support::resolved_path place = support::source_boundary(root).resolve(folder);
-    if (place.where != support::reach::inside)
+    const evidence::resolved_path place = evidence::source_boundary(root).resolve(folder);
+    if (place.where != evidence::reach::inside)
         return {};
-    const int descriptor = support::open_unchanged(AT_FDCWD, support::encoded_name(place.path),
-                                                   O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    const auto close_listing = [](DIR *listing) { ::closedir(listing); };
-    const std::unique_ptr<DIR, decltype(close_listing)> listing(
-        descriptor < 0 ? nullptr : ::fdopendir(descriptor), close_listing);
-    if (!listing && descriptor >= 0)
-        ::close(descriptor);
+    evidence::folder_listing listing;
+    if (!listing.open(AT_FDCWD, evidence::encoded_name(place.path)))
+        return {};
     QStringList names;
-    while (const dirent *entry = listing ? ::readdir(listing.get()) : nullptr) {
-        const QString name = support::decoded_name(entry->d_name);
-        if (support::encoded_name(name) == entry->d_name)
+    while (const dirent *entry = listing.next()) {
+        const QString name = evidence::decoded_name(entry->d_name);
+        if (evidence::encoded_name(name) == entry->d_name)
             names.append(name);
         else
             warn(QStringLiteral("%1/%2 is not read: its name is not UTF-8.").arg(folder, name));
@@ -97,13 +89,14 @@ QStringList names_in(const QString &folder, const QString &root)
     return names;
 }
 
-// Sorted by name, so that two runs on one source give the same rows in the same order.
+// Sorted by name, so that two runs over one source give the same rows in the same order.
 QList<account> accounts_on_source(const QString &root)
 {
     const QString users = root + QStringLiteral("Users");
+    const evidence::source_boundary boundary(root);
     QStringList names;
     for (const QString &name : names_in(users, root)) {
-        if (is_home(QFileInfo(users + QLatin1Char('/') + name), root))
+        if (is_home(name, root, boundary))
             names.append(name);
     }
     std::sort(names.begin(), names.end());
@@ -115,7 +108,9 @@ QList<account> accounts_on_source(const QString &root)
 
 std::optional<failure> find_accounts(const QString &root, source_info &source)
 {
-    const QFileInfo users(root + QStringLiteral("Users"));
+    const evidence::resolved_path place =
+        evidence::source_boundary(root).resolve(root + QStringLiteral("Users"));
+    const QFileInfo users(place.path);
     if (users.isDir() && (!users.isReadable() || !users.isExecutable())) {
         return failure{exit_status::source_unusable,
                        QStringLiteral("the folder %1 cannot be read; run with the right to read "
@@ -137,7 +132,7 @@ source_info describe_source(const extract_options &options)
     return source;
 }
 
-// No error: a system without accounts may be examined. Mostly it is the wrong folder.
+// A note, no error: a system may have no accounts. Mostly it is the wrong folder.
 void warn_without_accounts(const source_info &source)
 {
     if (!source.system_account_QList.isEmpty() ||
@@ -148,18 +143,26 @@ void warn_without_accounts(const source_info &source)
              .arg(source.fs_extraction_source_path));
 }
 
-exit_status finish(const result_place &place, const run_result &result, bool json)
+exit_status finish(const result_place &place, const run_result &result,
+                   const run_failures &failures, bool json)
 {
+    for (const QString &message : failures.first)
+        warn(message);
+    if (failures.count > failures.first.size())
+        warn(QStringLiteral("and %1 more, see --debug-log.")
+                 .arg(failures.count - failures.first.size()));
     const table_counts counts = count_tables(place.database);
     print(json ? json_summary(place.database, result, counts)
-               : text_summary(place.database, result, counts));
+               : text_summary(place.database, result, counts, failures.count));
     if (!counts.problem.isEmpty()) {
         return report({exit_status::result_unusable,
                        QStringLiteral("the result database %1 cannot be read (%2); run again with "
                                       "--debug-terminal to see why.")
                            .arg(place.database, counts.problem)});
     }
-    return result.cancelled ? exit_status::cancelled : exit_status::done;
+    if (result.cancelled)
+        return exit_status::cancelled;
+    return failures.count > 0 ? exit_status::incomplete : exit_status::done;
 }
 
 } // namespace
@@ -182,7 +185,7 @@ exit_status run_extract(const QStringList &arguments)
     if (plugin.problem)
         return report(*plugin.problem);
 
-    // Nothing is made anywhere before this is settled.
+    // Nothing is created before these checks.
     const result_place place =
         place_of_results(options.result_directory, plugin.object->pub_get_artifact_name());
     auto problem =
@@ -192,9 +195,17 @@ exit_status run_extract(const QStringList &arguments)
     if (problem)
         return report(*problem);
     warn_without_accounts(source);
+    result_draft draft(place);
+    if (const auto refused = draft.begin(options.append))
+        return report(*refused);
+    const QString log = options.debug_log.isEmpty() ? draft.log() : options.debug_log;
+    const qint64 logged_before = QFileInfo(log).size();
     const run_result result =
-        run_extraction(*plugin.object, options, source, place.directory, interrupts);
-    return finish(place, result, options.json);
+        run_extraction(*plugin.object, options, source, draft.directory(), draft.log(), interrupts);
+    const run_failures failures = failures_in_log(log, logged_before, options.encipher_log);
+    if (const auto refused = draft.finish(result.cancelled))
+        return report(*refused);
+    return finish(place, result, failures, options.json);
 }
 
 } // namespace host

@@ -1,7 +1,7 @@
 // "plugin_host extract": runs the plug-in on one source.
 #pragma once
 
-#include "exit_status.h"
+#include "host/options/exit_status.h"
 
 #include <QStringList>
 

@@ -1,20 +1,24 @@
 // plugin_host: loads the plug-in library as the examination application does and runs it from the
 // command line.
-#include "command_line.h"
-#include "extract_command.h"
-#include "show_command.h"
+#include "host/options/command_line.h"
+#include "host/extract_command.h"
+#include "host/show_command.h"
 
 #include <QApplication>
 #include <QByteArray>
 #include <QTextCodec>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
 #include <optional>
 
 namespace {
 
 using host::exit_status;
 
-// A new sub-command is a row here and a file of its own.
+// A new sub-command is a row here and a file pair of its own.
 constexpr host::sub_command sub_commands[] = {
     {"extract", "run the plug-in on a source and write the result database", host::run_extract},
     {"show", "print the tables of a result database", host::run_show},
@@ -65,9 +69,9 @@ void drop_folder_warnings(QtMsgType type, const QMessageLogContext &context, con
         handler_before(type, context, text);
 }
 
-// While an application object is made, Qt looks into the user's runtime folder; without one it
-// makes a folder among the temporary files and warns. This program writes to its results only:
-// as long as this object lives, that folder has no place and the warning no reader.
+// While an application object is made, Qt looks for the user's runtime folder. Without one it makes
+// a folder among the temporary files and warns. This program may write only to its results: while
+// this object lives, Qt cannot make that folder, and its warning is dropped.
 class no_runtime_folder
 {
 public:
@@ -97,17 +101,35 @@ private:
 
 } // namespace
 
+// A file that is opened later would take the place of a closed standard stream, and get what is
+// written there.
+void open_standard_streams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(stream, F_GETFD) < 0)
+            static_cast<void>(::open("/dev/null", O_RDWR)); // takes the lowest free number
+    }
+}
+
 int main(int argc, char **argv)
 {
-    // File names and arguments are UTF-8 in any locale, here and in the library loaded later:
-    // under LC_ALL=C Qt would otherwise lose every accent. Must precede the first conversion.
+    open_standard_streams();
+    std::signal(SIGPIPE, SIG_IGN); // writing then fails, and is reported
+    // File names and arguments are UTF-8 in any locale, here and in the library. Under LC_ALL=C Qt
+    // would lose every accent. Must precede the first conversion.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "minimal"); // nothing is ever shown, no font is needed
+        qputenv("QT_QPA_PLATFORM", "minimal"); // nothing is shown, no font is needed
 
     QStringList arguments;
-    for (int i = 0; i < argc; ++i)
+    for (int i = 0; i < argc; ++i) {
         arguments.append(QString::fromUtf8(argv[i]));
+        if (arguments.last().toUtf8() != argv[i])
+            return static_cast<int>(host::report(
+                {exit_status::wrong_usage,
+                 QStringLiteral("'%1' is not UTF-8; give such a path by a link with another name.")
+                     .arg(arguments.last())}));
+    }
 
     // Qt would take options such as --style for itself, and a mistyped option would go unnoticed.
     int application_argc = argc > 0 ? 1 : 0;
@@ -115,5 +137,10 @@ int main(int argc, char **argv)
     const QApplication application(application_argc, argv);
     during_start.reset();
     QApplication::setApplicationName(QStringLiteral("plugin_host"));
-    return static_cast<int>(run(arguments));
+    const exit_status status = run(arguments);
+    if (!host::output_failed() ||
+        (status != exit_status::done && status != exit_status::incomplete))
+        return static_cast<int>(status);
+    return static_cast<int>(host::report(
+        {exit_status::result_unusable, QStringLiteral("standard output cannot be written.")}));
 }

@@ -1,8 +1,9 @@
-#include "show_command.h"
+#include "host/show_command.h"
 
-#include "command_line.h"
-#include "result_database.h"
-#include "support/visible_text.h"
+#include "host/options/command_line.h"
+#include "host/findings/result_reader.h"
+#include "log/visible_text.h"
+#include "results/database/result_tables.h"
 
 #include <QCommandLineParser>
 #include <QDir>
@@ -23,19 +24,20 @@ constexpr help_text help = {
 
 constexpr int widest_cell = 48; // characters; a longer text is cut in the aligned form
 
-// The columns that tell most and fit on a screen side by side.
+// The most useful columns that fit on a screen side by side.
 struct short_form
 {
     const char *table;
     const char *columns;
 };
 constexpr short_form short_forms[] = {
-    {"bookmarks", "INT,system_user,nickname,protocol,hostname,port,username,access_timestamp"},
-    {"history", "INT,system_user,protocol,hostname,port,username,access_timestamp"},
-    {"transfers",
+    {results::bookmarks_table,
+     "INT,system_user,nickname,protocol,hostname,port,username,access_timestamp"},
+    {results::history_table, "INT,system_user,protocol,hostname,port,username,access_timestamp"},
+    {results::transfers_table,
      "INT,system_user,file_name,transfer_type,hostname,file_exist,file_size,local_path"},
-    {"preferences", "INT,system_user,key,value"},
-    {"exportfilelist", "INT,record,table_name,filepath"},
+    {results::preferences_table, "INT,system_user,key,value"},
+    {results::export_table, "INT,record,table_name,filepath"},
 };
 
 struct show_options
@@ -52,7 +54,7 @@ std::optional<exit_status> read_show_options(const QStringList &arguments, show_
     QCommandLineParser parser;
     parser.addOption({QStringLiteral("tables"),
                       QStringLiteral("Comma list of tables (default: all)."),
-                      QStringLiteral("LIST"), result_tables().join(QLatin1Char(','))});
+                      QStringLiteral("LIST"), results::table_names().join(QLatin1Char(','))});
     parser.addOption({QStringLiteral("columns"),
                       QStringLiteral("Comma list of columns, or all (default: the telling ones; "
                                      "all for csv)."),
@@ -110,20 +112,26 @@ QStringList columns_to_show(const show_options &options, const QString &table,
     return shown;
 }
 
+// A NUL would end the text for most readers.
+QString shown_text(const QVariant &value)
+{
+    return value.toString().replace(QChar(0), QChar(0x2400));
+}
+
 QString cell_text(const QVariant &value)
 {
     if (!value.isValid())
         return QStringLiteral("-");
-    const QString text = support::visible_text(value.toString());
+    const QString text = logging::visible_text(shown_text(value));
     if (text.size() <= widest_cell)
         return text;
-    // In the middle: of a path both ends tell most.
+    // Cut in the middle: both ends of a path matter.
     constexpr int kept = (widest_cell - 1) / 2;
     return text.left(kept) + QChar(0x2026) + text.right(kept);
 }
 
-// On a terminal: file names of the source often spell an accent as a mark of its own, which takes
-// no column, and East Asian characters take two.
+// On a terminal. An accent may be a mark of its own, which takes no column. East Asian characters
+// take two.
 int columns_of(const QString &text)
 {
     int columns = 0;
@@ -160,7 +168,7 @@ void print_aligned(const std::vector<QStringList> &lines)
     }
 }
 
-bool show_as_text(result_database &database, const QString &table, const QStringList &columns,
+bool show_as_text(result_reader &database, const QString &table, const QStringList &columns,
                   qint64 limit)
 {
     const qint64 rows = database.count(table).value_or(0);
@@ -181,16 +189,16 @@ bool show_as_text(result_database &database, const QString &table, const QString
     return read;
 }
 
-// NULL and the empty text differ: the first is nothing, the second a pair of quotes.
+// NULL is shown as nothing, an empty text as a pair of quotes.
 QString csv_field(const QVariant &value)
 {
     if (!value.isValid())
         return {};
-    return QLatin1Char('"') + value.toString().replace(QLatin1Char('"'), QLatin1String("\"\"")) +
+    return QLatin1Char('"') + shown_text(value).replace(QLatin1Char('"'), QLatin1String("\"\"")) +
            QLatin1Char('"');
 }
 
-bool show_as_csv(result_database &database, const QString &table, const QStringList &columns,
+bool show_as_csv(result_reader &database, const QString &table, const QStringList &columns,
                  qint64 limit)
 {
     print(columns.join(QLatin1Char(',')) + QLatin1Char('\n'));
@@ -202,7 +210,7 @@ bool show_as_csv(result_database &database, const QString &table, const QStringL
     });
 }
 
-// Each plug-in has a folder below Artifacts_Result, and in it the database of the same name.
+// Each plug-in has a folder below Artifacts_Result with a database of the same name in it.
 QString find_database(const QString &directory)
 {
     const QDir results(directory + QStringLiteral("/Artifacts_Result"));
@@ -222,6 +230,9 @@ exit_status run_show(const QStringList &arguments)
     show_options options;
     if (const auto ended = read_show_options(arguments, options))
         return *ended;
+    if (is_lost_working_folder({options.directory}))
+        return report({exit_status::wrong_usage,
+                       QStringLiteral("the working folder is gone; give absolute paths.")});
     const QString path = find_database(options.directory);
     if (path.isEmpty()) {
         return report({exit_status::result_unusable,
@@ -229,7 +240,7 @@ exit_status run_show(const QStringList &arguments)
                                       "extraction.")
                            .arg(options.directory)});
     }
-    result_database database(path);
+    result_reader database(path);
     if (!database.is_open()) {
         return report({exit_status::result_unusable,
                        QStringLiteral("the result database %1 cannot be read (%2); extract again.")

@@ -1,7 +1,7 @@
 // "plugin_host show": prints the tables of a result database.
 #pragma once
 
-#include "exit_status.h"
+#include "host/options/exit_status.h"
 
 #include <QStringList>
 

@@ -3,32 +3,26 @@
 // the types in portable/foundation_stand_ins.h. Nothing is retained past a call; nothing throws.
 #pragma once
 
-#include "property_list.h"
+#include "platform/opaque_types.h"
+#include "platform/property_list.h"
 
 #include <QString>
 
 #include <optional>
 
-struct __CFString;
-#ifdef __OBJC__
-@class NSDate;
-@class NSObject;
-#else
-class NSDate;
-class NSObject;
-#endif
-
 namespace platform {
 
 // Objects that Foundation hands out during its lifetime are released at its end.
-class release_pool {
-  public:
+class release_pool
+{
+public:
     release_pool();
+    // NOLINTNEXTLINE(performance-trivially-destructible): not on every platform
     ~release_pool();
     release_pool(const release_pool &) = delete;
     release_pool &operator=(const release_pool &) = delete;
 
-  private:
+private:
     [[maybe_unused]] void *pool_; // needed where there are such pools
 };
 
@@ -38,7 +32,7 @@ class release_pool {
 [[nodiscard]] QString text_of_key(const void *key);
 // The dictionary's value for that key, valid while the release_pool of the caller lives; absent
 // when there is none.
-[[nodiscard]] property_list_value look_up(const void *key, void *dictionary);
+[[nodiscard]] formats::property_list_value look_up(const void *key, void *dictionary);
 // `date` as local time in the form "dd-MMM-yyyy,HH:mm:ss a"; nullopt unless `object` is a date.
 [[nodiscard]] std::optional<QString> formatted_local_date(const NSDate *date,
                                                           const NSObject *object);

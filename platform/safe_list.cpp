@@ -1,10 +1,10 @@
-#include "safe_list.h"
+#include "platform/safe_list.h"
 
-#include "binary_list_nesting.h"
-#include "property_list_limits.h"
-#include "support/evidence_file.h"
-#include "xml_list_check.h"
-#include "xml_list_encoding.h"
+#include "formats/property_list/binary/binary_list_nesting.h"
+#include "formats/property_list/base/property_list_limits.h"
+#include "evidence/files/evidence_file.h"
+#include "formats/property_list/xml/xml_list_check.h"
+#include "formats/property_list/xml/xml_list_encoding.h"
 
 #include <new>
 
@@ -16,21 +16,22 @@ bool is_safe_xml_list(const QByteArray &bytes)
 {
     QByteArray copy(bytes.constData(), bytes.size());
     QByteArray converted;
-    const xml_list_text text = xml_list_as_utf8(&copy, &converted);
-    constexpr qint64 largest_count = largest_list_memory_bytes / xml_element_bytes;
+    const formats::xml_list_text text = formats::xml_list_as_utf8(&copy, &converted);
+    constexpr qint64 max_count = formats::max_list_memory_bytes / formats::xml_element_bytes;
     return text.begin != nullptr &&
-           check_xml_list(text.begin, text.end, largest_count).begin != nullptr;
+           formats::check_xml_list(text.begin, text.end, max_count).begin != nullptr;
 }
 
 } // namespace
 
 bool is_safe_list(const QByteArray &bytes)
 {
-    if (bytes.size() > largest_list_bytes)
+    if (bytes.size() > formats::max_list_bytes)
         return false;
     try {
-        return bytes.startsWith("bplist") ? !nests_deeper(bytes, deepest_list_level + 1)
-                                          : is_safe_xml_list(bytes);
+        return bytes.startsWith("bplist")
+                   ? !formats::nests_deeper(bytes, formats::max_list_levels + 1)
+                   : is_safe_xml_list(bytes);
     } catch (const std::bad_alloc &) {
         return false;
     }
@@ -39,9 +40,10 @@ bool is_safe_list(const QByteArray &bytes)
 bool is_safe_list_file(const QString &path)
 {
     try {
-        support::evidence_file file;
+        evidence::evidence_file file;
         QByteArray bytes;
-        return file.open(path) && file.read_all(&bytes, largest_list_bytes) && is_safe_list(bytes);
+        return file.open(path) && file.read_all(&bytes, formats::max_list_bytes) &&
+               is_safe_list(bytes);
     } catch (const std::bad_alloc &) {
         return false;
     }

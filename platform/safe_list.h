@@ -1,5 +1,5 @@
-// For a platform that leaves a property list to a reader which calls itself for each container, and
-// has only so much stack: which lists may be left to it.
+// Which property lists may be given to a reader that recurses into each container. A list that
+// nests too deep would overflow its stack.
 #pragma once
 
 #include <QByteArray>

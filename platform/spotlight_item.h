@@ -2,6 +2,9 @@
 // do: index of the examined volume, extended attributes, AppleDouble companions, file system.
 #pragma once
 
+#include "evidence/folders/source_boundary.h"
+#include "run/cancellation.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -28,23 +31,24 @@ public:
     attribute(const QString &name) const = 0;
 };
 
-// Makes items for the files of one examined source; keeps what is worth keeping between files.
+// Makes items for the files of one examined source. Keeps what many files share, as an index.
 class spotlight_catalog
 {
 public:
     virtual ~spotlight_catalog() = default;
-    // `path`: absolute, reachable here, links already resolved. Null when there is no such file.
-    // The item must not outlive the catalog. It may be the one that was handed out for the same
-    // path just before.
-    [[nodiscard]] virtual std::shared_ptr<spotlight_item> item(const QString &path) = 0;
+    // `place`: inside the source, with its file held. Null when nothing is known of it. The item
+    // must not outlive the catalog. It may be the one that was handed out for the same path just
+    // before.
+    [[nodiscard]] virtual std::shared_ptr<spotlight_item>
+    item(const evidence::resolved_path &place) = 0;
     // Lines worth a place in the debug log that have come up since the last call: which sources of
     // metadata were found, why one could not be used.
     [[nodiscard]] virtual QStringList take_notes() = 0;
 };
 
 // `source_root`: folder at which the source's file system is reachable; nothing outside is read.
-// `should_stop`: asked during work that may take long, true ends it without an answer; may be null.
+// `cancelled`: asked during work that may take long, true ends it without an answer; may be null.
 [[nodiscard]] std::unique_ptr<spotlight_catalog>
-make_spotlight_catalog(const QString &source_root, std::function<bool()> should_stop = nullptr);
+make_spotlight_catalog(const QString &source_root, const run::cancellation &cancelled = {});
 
 } // namespace platform

@@ -1,5 +1,4 @@
-// Keeps on their side of the platform seam what the system's frameworks raise and what they leave
-// to a pool.
+// Exceptions of the system's frameworks, and objects that they leave to a pool, end here.
 #pragma once
 
 #include "platform/foundation_values.h"
@@ -9,7 +8,8 @@ namespace platform {
 // The result of `question`; `fallback` when an exception ends it. One file is lost then, not the
 // run.
 template <typename answer, typename step>
-answer contained(answer fallback, const step &question) noexcept {
+answer contained(answer fallback, const step &question) noexcept
+{
     @try {
         return question();
     } @catch (...) {
@@ -17,10 +17,11 @@ answer contained(answer fallback, const step &question) noexcept {
     }
 }
 
-// The same in a pool of its own, which outlives the exception: that may lie in it. The answer must
-// not.
+// The same in a pool of its own. The exception may lie in that pool, so the pool ends after it. The
+// answer must not lie in it.
 template <typename answer, typename step>
-answer contained_in_pool(answer fallback, const step &question) noexcept {
+answer contained_in_pool(answer fallback, const step &question) noexcept
+{
     const release_pool pool;
     return contained(std::move(fallback), question);
 }

@@ -1,6 +1,6 @@
 #include "platform/foundation_values.h"
 
-#include "foundation_stand_ins.h"
+#include "platform/portable/foundation_stand_ins.h"
 
 #include <QDateTime>
 #include <QLocale>
@@ -26,7 +26,7 @@ QString text_of_key(const void *key)
     return key == nullptr ? QString() : static_cast<const dictionary_key *>(key)->text;
 }
 
-property_list_value look_up(const void *key, void *dictionary)
+formats::property_list_value look_up(const void *key, void *dictionary)
 {
     if (key == nullptr || dictionary == nullptr)
         return {};
@@ -37,7 +37,7 @@ std::optional<QString> formatted_local_date(const NSDate *date, const NSObject *
 {
     const auto *tested = reinterpret_cast<const object_stand_in *>(object);
     const auto *shown = reinterpret_cast<const object_stand_in *>(date);
-    if (tested == nullptr || shown == nullptr || tested->kind != value_kind::date)
+    if (tested == nullptr || shown == nullptr || tested->kind != formats::value_kind::date)
         return std::nullopt;
     const double milliseconds = std::floor(shown->epoch_seconds) * 1000.0;
     if (!(std::fabs(milliseconds) < 9.0e18))

@@ -1,18 +1,21 @@
 #include "platform/image_properties.h"
 
-#include "image_gps.h"
+#include "formats/exif/image_gps.h"
+#include "platform/portable/contained.h"
 
 #include <utility>
 
 namespace platform {
 
-gps_position read_gps_position(const QString &path)
+formats::gps_position read_gps_position(const evidence::resolved_path &place)
 {
-    support::evidence_file file;
-    if (!file.open(path))
+    evidence::evidence_file file;
+    if (!place.file || !file.open(place.file))
         return {};
-    evidence_byte_source bytes(std::move(file));
-    return read_image_gps(bytes);
+    return contained(formats::gps_position(), [&file] {
+        evidence::evidence_byte_source bytes(std::move(file));
+        return formats::read_image_gps(bytes);
+    });
 }
 
 } // namespace platform

@@ -44,6 +44,13 @@ def link(path, target):
 def write_amelia(home):
     web = home / "Downloads" / "web"
     write(web / "index.html", PAGE.encode("utf-8"))
+    # As another client leaves it behind with what it fetched.
+    write(web / "._index.html", companion([
+        ("com.apple.metadata:kMDItemAltitude", as_binary(103.5)),
+        ("com.apple.metadata:kMDItemLatitude", as_binary(1.5)),
+        ("com.apple.metadata:kMDItemLongitude", as_binary(2.5)),
+        ("com.apple.metadata:org_bittorrent_torrent_filenames",
+         as_binary(["pages/index.html", "pages/Read me; first.txt"]))]))
     write(web / "Plan A; Plan B.txt", b"A: by ship.\nB: by train; see Monday's mail\n")
     for number in range(1, 4):
         write(web / "photos" / f"Façade {number}.jpg", jpeg(b"", 4 * number, 3 * number))

@@ -1,25 +1,30 @@
 // What Apple's Foundation does differently from GNUstep's.
-#include "listed_objects.h"
 #include "stand_ins.h"
 #include "unit_text.h"
 
 #include <objc/runtime.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 // Both exist in a build that looks for leaks.
 extern "C" __attribute__((weak)) void __lsan_disable();
 extern "C" __attribute__((weak)) void __lsan_enable();
 
 // What the runtime keeps for its classes.
-extern "C" const char *__lsan_default_suppressions() {
+extern "C" const char *__lsan_default_suppressions()
+{
     return "leak:objc_malloc\nleak:class_copyMethodList\n";
 }
 
 namespace {
 
+constexpr char xml_header[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
+
 // Apple's Foundation takes the zone of the process; GNUstep asks the machine's settings first.
-void take_zone_of_the_process() {
+void take_zone_of_the_process()
+{
     const char *name = std::getenv("TZ");
     NSTimeZone *zone =
         name == nullptr ? nil : [NSTimeZone timeZoneWithName:[NSString stringWithUTF8String:name]];
@@ -27,7 +32,8 @@ void take_zone_of_the_process() {
         [NSTimeZone setDefaultTimeZone:zone];
 }
 
-void fill_caches() {
+void fill_caches()
+{
     NSDateFormatter *formatter = [[[NSDateFormatter alloc] init] autorelease];
     [formatter setLocale:[NSLocale localeWithLocaleIdentifier:@"en_US_POSIX"]];
     [formatter setDateFormat:@"MMM"];
@@ -40,7 +46,8 @@ void fill_caches() {
 @end
 
 @implementation first_use
-+ (void)load {
++ (void)load
+{
     const bool looks_for_leaks = __lsan_disable != nullptr;
     if (looks_for_leaks)
         __lsan_disable();
@@ -54,8 +61,9 @@ void fill_caches() {
 }
 @end
 
-NSString *stand_in_string_from_class(Class shown) {
-    if (stand_ins::is_boolean_class(shown))
+NSString *stand_in_string_from_class(Class shown)
+{
+    if (shown == [[NSNumber numberWithBool:YES] class])
         return @"__NSCFBoolean";
     return [shown isSubclassOfClass:[NSNumber class]]
                ? @"__NSCFNumber"
@@ -63,13 +71,15 @@ NSString *stand_in_string_from_class(Class shown) {
 }
 
 @implementation NSString (stand_in_texts)
-+ (id)stand_in_stringWithCharacters:(const unichar *)units length:(NSUInteger)count {
++ (id)stand_in_stringWithCharacters:(const unichar *)units length:(NSUInteger)count
+{
     return [unit_text withText:QString::fromUtf16(units, static_cast<int>(count))];
 }
 @end
 
 @implementation NSDictionary (stand_in_lists)
-+ (id)stand_in_dictionaryWithContentsOfFile:(NSString *)path {
++ (id)stand_in_dictionaryWithContentsOfFile:(NSString *)path
+{
     stand_ins::enter("dictionaryWithContentsOfFile:");
     NSData *bytes = [NSData dataWithContentsOfFile:path];
     id list = [NSPropertyListSerialization propertyListWithData:bytes
@@ -84,9 +94,16 @@ NSString *stand_in_string_from_class(Class shown) {
 + (id)stand_in_propertyListWithData:(NSData *)bytes
                             options:(NSPropertyListReadOptions)options
                              format:(NSPropertyListFormat *)format
-                              error:(NSError **)error {
+                              error:(NSError **)error
+{
     stand_ins::enter("propertyListWithData:");
-    return stand_ins::object_of_list(
-        QByteArray(static_cast<const char *>([bytes bytes]), static_cast<int>([bytes length])));
+    // GNUstep takes nothing for XML without this line.
+    NSMutableData *list = [NSMutableData data];
+    if ([bytes length] > 0 && *static_cast<const char *>([bytes bytes]) == '<' &&
+        std::memcmp([bytes bytes], "<?xml", std::min<NSUInteger>(5, [bytes length])) != 0)
+        [list appendBytes:xml_header length:sizeof xml_header - 1];
+    [list appendData:bytes];
+#undef propertyListWithData
+    return [self propertyListWithData:list options:options format:format error:error];
 }
 @end

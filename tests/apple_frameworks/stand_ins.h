@@ -8,14 +8,15 @@
 namespace stand_ins {
 
 // Not the platform's own pool: that one is tested.
-class local_pool {
-  public:
+class local_pool
+{
+public:
     local_pool() = default;
     ~local_pool() { [pool_ drain]; }
     local_pool(const local_pool &) = delete;
     local_pool &operator=(const local_pool &) = delete;
 
-  private:
+private:
     NSAutoreleasePool *pool_ = [[NSAutoreleasePool alloc] init];
 };
 

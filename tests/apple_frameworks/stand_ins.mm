@@ -10,12 +10,14 @@ namespace stand_ins {
 
 namespace {
 
-struct ownership {
+struct ownership
+{
     int count = 0;
     std::string maker;
 };
 
-struct scripted_world {
+struct scripted_world
+{
     NSMutableDictionary *attributes = [[NSMutableDictionary alloc] init];
     NSMutableDictionary *image_properties = [[NSMutableDictionary alloc] init];
     std::string raising_function;
@@ -24,12 +26,14 @@ struct scripted_world {
     QStringList wrong_releases;
 };
 
-scripted_world &world() {
+scripted_world &world()
+{
     static scripted_world only;
     return only;
 }
 
-const void *took(NSObject *object, const char *function) {
+const void *took(NSObject *object, const char *function)
+{
     ownership &owned = world().owned[object];
     ++owned.count;
     owned.maker = function;
@@ -38,7 +42,8 @@ const void *took(NSObject *object, const char *function) {
 
 } // namespace
 
-void reset() {
+void reset()
+{
     [world().attributes removeAllObjects];
     [world().image_properties removeAllObjects];
     world().raising_function.clear();
@@ -47,21 +52,28 @@ void reset() {
     world().wrong_releases.clear();
 }
 
-void set_attributes(NSString *path, NSDictionary *attributes) {
+void set_attributes(NSString *path, NSDictionary *attributes)
+{
     [world().attributes setObject:attributes forKey:path];
 }
 
-void set_image_properties(NSString *path, NSDictionary *properties) {
+void set_image_properties(NSString *path, NSDictionary *properties)
+{
     [world().image_properties setObject:properties forKey:path];
 }
 
-void raise_in(const std::string &function) { world().raising_function = function; }
+void raise_in(const std::string &function)
+{
+    world().raising_function = function;
+}
 
-std::vector<std::string> called_functions() {
+std::vector<std::string> called_functions()
+{
     return {world().called.cbegin(), world().called.cend()};
 }
 
-QStringList faults() {
+QStringList faults()
+{
     QStringList lines = world().wrong_releases;
     for (const auto &[object, owned] : world().owned)
         lines += QStringLiteral("%1 object(s) of %2 not released")
@@ -70,7 +82,8 @@ QStringList faults() {
     return lines;
 }
 
-int living_objects() {
+int living_objects()
+{
     GSDebugAllocationActive(YES);
     int count = 0;
     Class *classes = GSDebugAllocationClassList();
@@ -80,19 +93,25 @@ int living_objects() {
     return count;
 }
 
-void enter(const char *function) {
+void enter(const char *function)
+{
     world().called.insert(function);
     if (world().raising_function == function)
         [NSException raise:@"stand-in" format:@"%s", function];
 }
 
-const void *hand_out(NSObject *object, const char *function) {
+const void *hand_out(NSObject *object, const char *function)
+{
     return object == nil ? nullptr : took([object retain], function);
 }
 
-NSDictionary *attributes_of(NSString *path) { return [world().attributes objectForKey:path]; }
+NSDictionary *attributes_of(NSString *path)
+{
+    return [world().attributes objectForKey:path];
+}
 
-NSDictionary *image_properties_of(NSString *path) {
+NSDictionary *image_properties_of(NSString *path)
+{
     return [world().image_properties objectForKey:path];
 }
 
@@ -100,12 +119,14 @@ NSDictionary *image_properties_of(NSString *path) {
 
 using stand_ins::world;
 
-CFTypeRef CFRetain(CFTypeRef object) {
+CFTypeRef CFRetain(CFTypeRef object)
+{
     stand_ins::enter("CFRetain");
     return stand_ins::hand_out(static_cast<NSObject *>(const_cast<void *>(object)), "CFRetain");
 }
 
-void CFRelease(CFTypeRef object) {
+void CFRelease(CFTypeRef object)
+{
     auto &owned = world().owned;
     const auto found = owned.find(object);
     if (found == owned.end()) {

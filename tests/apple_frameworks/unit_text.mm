@@ -6,7 +6,8 @@
 #include <cstring>
 
 @implementation unit_text
-+ (NSString *)withText:(const QString &)text {
++ (NSString *)withText:(const QString &)text
+{
     unit_text *made = [[[unit_text alloc] init] autorelease];
     made->text_ = new QString(text);
     const bool is_ascii =
@@ -14,25 +15,30 @@
     made->bytes_ = is_ascii ? ::strdup(text.toLatin1().constData()) : nullptr;
     return made;
 }
-- (void)dealloc {
+- (void)dealloc
+{
     delete text_;
     std::free(bytes_);
     [super dealloc];
 }
-- (NSUInteger)length {
+- (NSUInteger)length
+{
     return static_cast<NSUInteger>(text_->size());
 }
-- (unichar)characterAtIndex:(NSUInteger)index {
+- (unichar)characterAtIndex:(NSUInteger)index
+{
     return text_->at(static_cast<int>(index)).unicode();
 }
-- (const char *)cString {
+- (const char *)cString
+{
     return bytes_;
 }
 @end
 
 namespace stand_ins {
 
-QString text_of(NSString *text) {
+QString text_of(NSString *text)
+{
     QString copy(static_cast<int>([text length]), Qt::Uninitialized);
     [text getCharacters:reinterpret_cast<unichar *>(copy.data())
                   range:NSMakeRange(0, [text length])];

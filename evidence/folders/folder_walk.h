@@ -1,0 +1,77 @@
+// Walks a folder and everything below it, one entry at a time.
+#pragma once
+
+#include "evidence/folders/folder_listing.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+namespace evidence {
+
+// What a walk takes in at most. Far beyond any folder that a person or a program fills; a damaged
+// or forged file system can have no end.
+struct walk_limits
+{
+    qint64 entries = 10'000'000;  // of one folder
+    size_t folders = 1'000'000;   // found and still to be walked
+    qint64 path_bytes = 64 << 20; // of their paths together
+};
+
+// Gives files, folders and links; hidden entries (names with a leading "."), what lies below hidden
+// folders, and special files are passed over. Links are given but never followed. A folder's own
+// entries come before those of its subfolders, otherwise in the file system's order. One
+// directory is open at a time; opening does not change its access time where the system allows.
+class folder_walk
+{
+public:
+    enum class entry_kind { file, folder, link };
+
+    // `recorded`: the folder as it is to be shown; `real`: where it is reachable, free of links.
+    folder_walk(const QString &recorded, const QString &real, const walk_limits &limits = {});
+
+    // Goes to the next entry; false at the end.
+    bool next();
+    // Folders that could not be listed, or not to their end, since the last call: full paths,
+    // starting with the recorded folder.
+    [[nodiscard]] QStringList take_failed();
+
+    // Of the current entry. `name` is valid until the next step.
+    [[nodiscard]] const QByteArray &name() const { return name_; }
+    [[nodiscard]] entry_kind kind() const { return kind_; }
+    // The open folder that holds it, for the calls that take one; valid until the next step.
+    [[nodiscard]] int folder_descriptor() const { return directory_.descriptor(); }
+    // Full path, starting with the recorded folder.
+    [[nodiscard]] QString path() const;
+    // Full path, starting with the real folder.
+    [[nodiscard]] QString real_path() const;
+    // False when the path's bytes are no text in the system's encoding: what path() shows is then
+    // not what the source has, and opens nothing.
+    [[nodiscard]] bool path_is_text() const;
+
+private:
+    bool open_next_folder();
+    void note_failed();
+    void close_folder();
+    bool take(const dirent &found);
+    bool kind_of(const dirent &found, entry_kind *kind);
+
+    QByteArray recorded_;                     // ends in "/"
+    QByteArray real_;                         // ends in "/"
+    std::vector<QByteArray> pending_folders_; // below the walk's folder, each ends in "/"
+    qint64 pending_bytes_ = 0;
+    folder_listing directory_;
+    QByteArray folder_;    // the open one, below the walk's folder; empty or ends in "/"
+    QString shown_folder_; // its path, starting with the recorded one, decoded once for all entries
+    bool folder_is_text_ = true;
+    QByteArray name_;
+    QStringList failed_;
+    entry_kind kind_ = entry_kind::file;
+    walk_limits limits_;
+    qint64 entries_ = 0;   // of the open folder, so far
+    bool is_whole_ = true; // what has been taken in of it
+};
+
+} // namespace evidence

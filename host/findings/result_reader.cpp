@@ -1,0 +1,87 @@
+#include "host/findings/result_reader.h"
+
+#include <QFileInfo>
+#include <QSqlError>
+#include <QSqlQuery>
+
+namespace host {
+
+namespace {
+
+constexpr char connection_name[] = "result_reader";
+
+QString quoted(QString name)
+{
+    return QLatin1Char('"') + name.replace(QLatin1Char('"'), QLatin1String("\"\"")) +
+           QLatin1Char('"');
+}
+
+} // namespace
+
+result_reader::result_reader(const QString &path)
+    : connection_(
+          QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QLatin1String(connection_name)))
+{
+    if (!QFileInfo(path).isFile()) {
+        problem_ = QStringLiteral("there is no such file");
+        return;
+    }
+    connection_.setDatabaseName(path);
+    connection_.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+    // Only the first statement notices a file that is no database.
+    QSqlQuery probe(connection_);
+    if (!connection_.open())
+        problem_ = connection_.lastError().text().simplified();
+    else if (!probe.exec(QStringLiteral("select count(*) from sqlite_master")))
+        problem_ = probe.lastError().text().simplified();
+}
+
+result_reader::~result_reader()
+{
+    connection_.close();
+    connection_ = {};
+    QSqlDatabase::removeDatabase(QLatin1String(connection_name));
+}
+
+std::optional<qint64> result_reader::count(const QString &table)
+{
+    QSqlQuery query(connection_);
+    if (!query.exec(QStringLiteral("select count(*) from ") + quoted(table)) || !query.next())
+        return std::nullopt;
+    return query.value(0).toLongLong();
+}
+
+QStringList result_reader::columns(const QString &table)
+{
+    QSqlQuery query(connection_);
+    QStringList names;
+    if (!query.exec(QStringLiteral("pragma table_info(%1)").arg(quoted(table))))
+        return names;
+    while (query.next())
+        names.append(query.value(1).toString());
+    return names;
+}
+
+bool result_reader::for_each_row(const QString &table, const QStringList &columns, qint64 limit,
+                                 const std::function<void(const QVariantList &)> &take)
+{
+    QStringList quoted_columns;
+    for (const QString &column : columns)
+        quoted_columns.append(quoted(column));
+    QSqlQuery query(connection_);
+    query.setForwardOnly(true);
+    // The key is the row number.
+    if (!query.exec(QStringLiteral("select %1 from %2 order by rowid limit %3")
+                        .arg(quoted_columns.join(QLatin1Char(',')), quoted(table))
+                        .arg(limit)))
+        return false;
+    while (query.next()) {
+        QVariantList row;
+        for (int i = 0; i < columns.size(); ++i)
+            row.append(query.isNull(i) ? QVariant() : query.value(i));
+        take(row);
+    }
+    return !query.lastError().isValid();
+}
+
+} // namespace host

@@ -1,0 +1,40 @@
+// Reads a result database after a run. Opens it read-only: the rows are evidence.
+#pragma once
+
+#include <QSqlDatabase>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+#include <functional>
+#include <optional>
+
+namespace host {
+
+class result_reader
+{
+public:
+    // `path` must exist. is_open() tells whether it is a database.
+    explicit result_reader(const QString &path);
+    ~result_reader();
+    result_reader(const result_reader &) = delete;
+    result_reader &operator=(const result_reader &) = delete;
+
+    [[nodiscard]] bool is_open() const { return problem_.isEmpty(); }
+    [[nodiscard]] const QString &problem() const { return problem_; }
+
+    // Nothing when there is no such table.
+    [[nodiscard]] std::optional<qint64> count(const QString &table);
+    // In the order of the table; empty when there is no such table.
+    [[nodiscard]] QStringList columns(const QString &table);
+    // Hands over the rows in the order of their key with the values of `columns`, at most `limit`
+    // rows (negative: all). False when reading failed.
+    bool for_each_row(const QString &table, const QStringList &columns, qint64 limit,
+                      const std::function<void(const QVariantList &)> &take);
+
+private:
+    QSqlDatabase connection_;
+    QString problem_;
+};
+
+} // namespace host

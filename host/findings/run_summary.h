@@ -1,0 +1,31 @@
+// What "extract" prints on standard output when it ends.
+#pragma once
+
+#include "host/driving/extraction_run.h"
+
+#include <QPair>
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+namespace host {
+
+struct table_counts
+{
+    // Table and its rows; nothing where the table is missing.
+    std::vector<std::pair<QString, std::optional<qint64>>> rows;
+    QString problem; // why the database could not be read; empty: it was
+};
+
+// Counts the rows in the database: those are what the examiner will see.
+table_counts count_tables(const QString &database);
+
+// Other programs read both forms: do not rename or reorder anything.
+// `failures`: of what was not read.
+QString text_summary(const QString &database, const run_result &result, const table_counts &counts,
+                     qint64 failures);
+// One line. A missing table counts null.
+QString json_summary(const QString &database, const run_result &result, const table_counts &counts);
+
+} // namespace host
