@@ -18,7 +18,8 @@ constexpr char other_kind = 'o';
 
 } // namespace
 
-std::shared_ptr<const folder_contents> folder_contents::list(const QByteArray &encoded_path)
+std::shared_ptr<const folder_contents> folder_contents::list(const QByteArray &encoded_path,
+                                                             const run::cancellation &cancelled)
 {
     folder_listing folder;
     if (!folder.open(AT_FDCWD, encoded_path.constData()))
@@ -26,7 +27,9 @@ std::shared_ptr<const folder_contents> folder_contents::list(const QByteArray &e
     auto contents = std::make_shared<folder_contents>();
     while (const dirent *entry = folder.next()) {
         contents->add(entry->d_name, entry->d_type == DT_REG ? file_kind : other_kind);
-        if (contents->entries_.size() > max_entries || contents->pool_.size() > max_pool_bytes)
+        const bool is_full =
+            contents->entries_.size() > max_entries || contents->pool_.size() > max_pool_bytes;
+        if (is_full || cancelled.is_requested())
             return nullptr;
     }
     if (folder.is_cut())

@@ -1,6 +1,8 @@
 // What one folder held when it was listed. Saves a look at each of many names.
 #pragma once
 
+#include "run/cancellation.h"
+
 #include <QByteArray>
 #include <QtGlobal>
 
@@ -13,9 +15,9 @@ class folder_contents
 {
 public:
     // Null when the folder at `encoded_path`, free of links, cannot be listed to its end, or holds
-    // more than a million entries or 64 MiB of names.
+    // more than a million entries or 64 MiB of names, or the run is cancelled meanwhile.
     [[nodiscard]] static std::shared_ptr<const folder_contents>
-    list(const QByteArray &encoded_path);
+    list(const QByteArray &encoded_path, const run::cancellation &cancelled = {});
 
     [[nodiscard]] bool has(const QByteArray &name) const { return find(name) != nullptr; }
     // Whether the listing itself says that it is a regular file.

@@ -54,15 +54,18 @@ folder_identity folder_listing::identity() const
     return {status.st_dev, status.st_ino};
 }
 
-std::optional<qint64> folder_entry_count(const held_file &held)
+std::optional<qint64> folder_entry_count(const held_file &held, const run::cancellation &cancelled)
 {
     constexpr qint64 max_entries = 10'000'000;
     folder_listing folder;
     if (!folder.open(held))
         return std::nullopt;
     qint64 count = 0;
-    while (count <= max_entries && folder.next() != nullptr)
+    while (count <= max_entries && folder.next() != nullptr) {
         ++count;
+        if (cancelled.is_requested())
+            return std::nullopt;
+    }
     if (folder.is_cut() || count > max_entries)
         return std::nullopt;
     return count;

@@ -3,6 +3,8 @@
 
 #include "evidence/access/held_file.h"
 
+#include "run/cancellation.h"
+
 #include <QtGlobal>
 
 #include <dirent.h>
@@ -50,7 +52,8 @@ private:
 };
 
 // Number of entries of a folder, "." and ".." not counted; nullopt when it cannot be read, or holds
-// more than ten million.
-[[nodiscard]] std::optional<qint64> folder_entry_count(const held_file &folder);
+// more than ten million, or the run is cancelled meanwhile.
+[[nodiscard]] std::optional<qint64> folder_entry_count(const held_file &folder,
+                                                       const run::cancellation &cancelled = {});
 
 } // namespace evidence

@@ -70,7 +70,8 @@ similar_names::listing similar_names::read_listing(const QByteArray &path)
     qint64 entries = 0;
     while (const dirent *entry = folder.next()) {
         ++listed_entries_;
-        if (is_spent() || ++entries > limits_.remembered_entries)
+        const bool is_cut = is_spent() || ++entries > limits_.remembered_entries;
+        if (is_cut || cancelled_.is_requested())
             return {}; // the entries left out may hold a second candidate
         const QByteArray name(entry->d_name);
         if (encoded_name(decoded_name(name)) == name)

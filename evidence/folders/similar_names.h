@@ -3,6 +3,8 @@
 // most volumes do not tell capitals apart.
 #pragma once
 
+#include "run/cancellation.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QList>
@@ -20,8 +22,11 @@ struct similar_names_limits
 class similar_names
 {
 public:
-    explicit similar_names(const similar_names_limits &limits = {})
-        : limits_(limits)
+    // Once `cancelled`, nothing more is found.
+    explicit similar_names(run::cancellation cancelled = {},
+                           const similar_names_limits &limits = {})
+        : cancelled_(cancelled)
+        , limits_(limits)
     {
     }
 
@@ -47,6 +52,7 @@ private:
     [[nodiscard]] listing read_listing(const QByteArray &path);
     void make_room();
 
+    run::cancellation cancelled_;
     similar_names_limits limits_;
     QHash<QByteArray, listing> known_; // by path
     QList<QByteArray> order_;          // of known_, the oldest first

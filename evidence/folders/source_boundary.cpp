@@ -228,10 +228,13 @@ private:
     int links_followed_ = 0;
 };
 
-source_boundary::source_boundary(const QString &root, const boundary_limits &limits)
+source_boundary::source_boundary(const QString &root, run::cancellation cancelled,
+                                 const boundary_limits &limits)
     : root_(folder_of(root))
     , real_root_(without_links(root_))
+    , cancelled_(cancelled)
     , limits_(limits)
+    , similar_names_(cancelled)
     , steps_left_(limits.steps)
     , ways_(limits.remembered_bytes)
 {
@@ -375,7 +378,7 @@ void source_boundary::list_open_folder() const
 {
     constexpr int worth_a_listing = 4;
     if (++asked_in_folder_ == worth_a_listing)
-        contents_ = folder_contents::list(real_path(open_way_.names));
+        contents_ = folder_contents::list(real_path(open_way_.names), cancelled_);
 }
 
 mode_t source_boundary::look_at(const QByteArray &name, held_file *file) const

@@ -6,6 +6,7 @@
 #include "evidence/access/held_file.h"
 #include "evidence/folders/folder_contents.h"
 #include "evidence/folders/similar_names.h"
+#include "run/cancellation.h"
 
 #include <QByteArray>
 #include <QCache>
@@ -45,8 +46,10 @@ class source_boundary
 {
 public:
     // `root`: where the source's file system is reachable, as the host names it. Links on the way
-    // to it are the host's own and are followed.
-    explicit source_boundary(const QString &root, const boundary_limits &limits = {});
+    // to it are the host's own and are followed. Once `cancelled`, what is spelled in another way
+    // counts as missing: callers look at the flag before they believe a failure.
+    explicit source_boundary(const QString &root, run::cancellation cancelled = {},
+                             const boundary_limits &limits = {});
     ~source_boundary();
 
     // The root's folder, free of links, with a trailing "/"; null when there is none.
@@ -103,6 +106,7 @@ private:
     QByteArray root_;      // as given, encoded, with a trailing "/"
     QByteArray real_root_; // free of links, with a trailing "/"; empty when there is no such folder
     descriptor root_folder_;
+    run::cancellation cancelled_;
     boundary_limits limits_;
     mutable similar_names similar_names_;
     mutable qint64 steps_left_;

@@ -44,7 +44,7 @@ struct local_copies::facts
 local_copies::local_copies(const extraction_context &context)
     : context_(context)
     , paths_(context.source.root, context.source.type)
-    , boundary_(context.source.root)
+    , boundary_(context.source.root, context.cancelled)
     , of_no_file_(texts_of_selected({}, paths_, nullptr, context.cancelled))
     , of_unselected_(paths_)
     , known_(max_known_copies)

@@ -71,7 +71,7 @@ usage_dates used_dates_from(const platform::spotlight_item &item,
 }
 
 used_dates_reader::used_dates_reader(const QString &root, const run::cancellation &cancelled)
-    : boundary_(root)
+    : boundary_(root, cancelled)
     , cancelled_(cancelled)
     , catalog_(platform::make_spotlight_catalog(boundary_.real_root(), cancelled))
 {

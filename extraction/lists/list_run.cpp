@@ -10,7 +10,7 @@ list_run::list_run(extractor *reader, const extraction_context &context)
     , profile_(reader->profile())
     , context_(context)
     , paths_(context.source.root, context.source.type)
-    , boundary_(context.source.root)
+    , boundary_(context.source.root, context.cancelled)
     , rows_(context.database_path, profile_.words.rows, profile_.statement, context.database(),
             &context.counter)
 {
@@ -70,6 +70,8 @@ step list_run::read_folder(const QString &folder)
     const QString user =
         user_of_source_file(folder, context_.source.root, context_.source.accounts).name;
     const evidence::resolved_path real = boundary_.resolve(folder);
+    if (is_cancelled())
+        return step::cancelled;
     if (real.where == evidence::reach::outside)
         log(profile_.words.outside_source, folder);
     else if (real.where != evidence::reach::inside)
@@ -114,6 +116,8 @@ step list_run::read_entry(const evidence::folder_walk &walk, const row_origin &f
     const found outcome = load_entry(walk);
     if (outcome == found::list)
         return read_loaded(walk.path(), folder_origin);
+    if (is_cancelled())
+        return step::cancelled;
     if (outcome == found::no_list)
         log(profile_.words.list_failed, walk.path());
     return step::done;
@@ -142,6 +146,8 @@ bool list_run::load_file(const QString &path)
     const evidence::resolved_path real = boundary_.resolve(path);
     if (real.where == evidence::reach::inside && list_.load(real.path))
         return true;
+    if (is_cancelled())
+        return false;
     log(real.where == evidence::reach::outside ? profile_.words.outside_source
                                                : profile_.words.list_failed,
         path);

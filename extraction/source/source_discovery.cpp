@@ -21,8 +21,8 @@ constexpr char preferences_file[] = "/Library/Preferences/ch.sudo.cyberduck.plis
 class search
 {
 public:
-    search(const QString &root, const run::log_sink &log)
-        : boundary_(root)
+    search(const QString &root, const run::cancellation &cancelled, const run::log_sink &log)
+        : boundary_(root, cancelled)
         , log_(log)
     {
     }
@@ -83,7 +83,7 @@ client_data find_client_data(const QString &source_root, const QStringList &user
                              const run::cancellation &cancelled, const run::log_sink &log)
 {
     log.write("[find_source_file] starts", QString(), find_signature);
-    search places(source_root, log);
+    search places(source_root, cancelled, log);
     client_data found;
     for (const QString &user : users) {
         if (cancelled.is_requested())

@@ -43,8 +43,19 @@ result_reader::~result_reader()
     QSqlDatabase::removeDatabase(QLatin1String(connection_name));
 }
 
+bool result_reader::is_table(const QString &name)
+{
+    QSqlQuery query(connection_);
+    query.prepare(QStringLiteral(
+        "select 1 from sqlite_master where type = 'table' and name = ? collate nocase"));
+    query.addBindValue(name);
+    return query.exec() && query.next();
+}
+
 std::optional<qint64> result_reader::count(const QString &table)
 {
+    if (!is_table(table))
+        return std::nullopt;
     QSqlQuery query(connection_);
     if (!query.exec(QStringLiteral("select count(*) from ") + quoted(table)) || !query.next())
         return std::nullopt;
@@ -55,7 +66,7 @@ QStringList result_reader::columns(const QString &table)
 {
     QSqlQuery query(connection_);
     QStringList names;
-    if (!query.exec(QStringLiteral("pragma table_info(%1)").arg(quoted(table))))
+    if (!is_table(table) || !query.exec(QStringLiteral("pragma table_info(%1)").arg(quoted(table))))
         return names;
     while (query.next())
         names.append(query.value(1).toString());
@@ -65,6 +76,8 @@ QStringList result_reader::columns(const QString &table)
 bool result_reader::for_each_row(const QString &table, const QStringList &columns, qint64 limit,
                                  const std::function<void(const QVariantList &)> &take)
 {
+    if (!is_table(table))
+        return false;
     QStringList quoted_columns;
     for (const QString &column : columns)
         quoted_columns.append(quoted(column));

@@ -23,6 +23,8 @@ public:
     [[nodiscard]] bool is_open() const { return problem_.isEmpty(); }
     [[nodiscard]] const QString &problem() const { return problem_; }
 
+    // A view counts as no table: it may compute what no run wrote, without end.
+    //
     // Nothing when there is no such table.
     [[nodiscard]] std::optional<qint64> count(const QString &table);
     // In the order of the table; empty when there is no such table.
@@ -33,6 +35,8 @@ public:
                       const std::function<void(const QVariantList &)> &take);
 
 private:
+    [[nodiscard]] bool is_table(const QString &name);
+
     QSqlDatabase connection_;
     QString problem_;
 };

@@ -135,7 +135,7 @@ std::unique_ptr<spotlight_catalog> make_spotlight_catalog(const QString &source_
     sources.push_back(std::make_unique<metadata::volume_index_source>(source_root, cancelled));
     sources.push_back(std::make_unique<metadata::extended_attributes>());
     sources.push_back(std::make_unique<metadata::apple_double_companions>(source_root));
-    sources.push_back(std::make_unique<metadata::file_system_facts>());
+    sources.push_back(std::make_unique<metadata::file_system_facts>(cancelled));
     return make_portable_catalog(source_root, std::move(sources));
 }
 

@@ -79,12 +79,12 @@ TEST_F(source_boundary_test, looking_for_other_spellings_has_an_end)
 {
     const QByteArray docs = evidence::encoded_name(root + QStringLiteral("Users/alice/docs"));
     const QByteArray home = evidence::encoded_name(root + QStringLiteral("Users/alice/"));
-    evidence::similar_names one_each({100, 1}); // remembers one entry: the older folder goes
+    evidence::similar_names one_each({}, {100, 1}); // remembers one entry: the older folder goes
     for (int turn = 0; turn < 2; ++turn) {
         EXPECT_EQ(one_each.find(docs, "A").name, "a");
         EXPECT_EQ(one_each.find(home, "DOCS").name, "docs");
     }
-    evidence::similar_names spent({1, 100});
+    evidence::similar_names spent({}, {1, 100});
     EXPECT_TRUE(spent.find(docs, "A").name.isEmpty());
     EXPECT_TRUE(spent.is_spent());
 }
@@ -187,7 +187,7 @@ TEST_F(source_boundary_test, ways_far_longer_than_any_share_a_budget)
 {
     const QString deep = root + QStringLiteral("Users/alice/") + QString("d/").repeated(100);
     files.write(deep.mid(root.size()) + "a", "x");
-    const evidence::source_boundary boundary(root, {100, 64});
+    const evidence::source_boundary boundary(root, {}, {100, 64});
     EXPECT_EQ(boundary.resolve(deep + "gone/1").where, reach::missing);
     EXPECT_EQ(boundary.resolve(deep + "../gone/1").where, reach::missing);
     EXPECT_EQ(boundary.resolve(deep + "../../gone/1").where, reach::costly);
