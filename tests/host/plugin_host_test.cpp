@@ -252,7 +252,11 @@ TEST_F(plugin_host, ends_well_where_its_surroundings_do_not)
         {"full disk for the tables", "$HOST extract src out && $HOST show out >/dev/full", 4},
         {"working folder gone", "mkdir gone && cd gone && rmdir ../gone && $HOST extract s o", 2},
         {"a name that is not UTF-8", "$HOST extract src $(printf 'o\\377t')", 2},
-        {"a home that cannot be read as a list", "$HOST extract broken_list bad", 1},
+        {"a list that cannot be read", "$HOST extract broken_list bad", 1},
+        {"the same behind a link",
+         "mkdir linked && cp -r broken_list linked/data && ln -s data/Users linked && "
+         "$HOST extract linked bad",
+         1},
     };
     QDir().mkpath(path("broken_list/Users/eve/Library/Application Support/Cyberduck/Bookmarks"));
     write("broken_list/Users/eve/Library/Application Support/Cyberduck/Bookmarks/a.duck", "x");
