@@ -8,12 +8,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace {
 
 constexpr QSize size_px(960, 600);
 constexpr QRectF area(90, 60, 820, 450);
-const QColor colours[] = {{0x55, 0x55, 0x55}, {0x00, 0x60, 0xc0}, {0xc0, 0x50, 0x00}};
+const QColor colours[] = {{0x55, 0x55, 0x55}, {0x00, 0x60, 0xc0}, {0xc0, 0x50, 0x00},
+                          {0x00, 0x80, 0x40}, {0x80, 0x30, 0x90}, {0xa0, 0x80, 0x00}};
 
 // A logarithmic axis between two powers of ten.
 class axis
@@ -75,7 +77,7 @@ void draw_grid(QPainter *painter, const axis &rows, const axis &cost)
 void draw_line(QPainter *painter, const axis &rows, const axis &cost, const cost_line &line,
                int index)
 {
-    const QColor &colour = colours[index % 3];
+    const QColor &colour = colours[index % int(std::size(colours))];
     const double value_shift = index == 0 ? 16 : -16;
     painter->setPen(QPen(colour, 2));
     painter->setBrush(colour);
@@ -92,7 +94,8 @@ void draw_line(QPainter *painter, const axis &rows, const axis &cost, const cost
 
 } // namespace
 
-bool write_cost_plot(const QString &path, const QString &title, const QVector<cost_line> &lines)
+bool write_cost_plot(const QString &path, const cost_labels &labels,
+                     const QVector<cost_line> &lines)
 {
     double lowest[2] = {1e300, 1e300};
     double highest[2] = {0, 0};
@@ -111,13 +114,13 @@ bool write_cost_plot(const QString &path, const QString &title, const QVector<co
     image.fill(Qt::white);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.drawText(QRectF(0, 16, size_px.width(), 24), Qt::AlignCenter, title);
+    painter.drawText(QRectF(0, 16, size_px.width(), 24), Qt::AlignCenter, labels.title);
     const axis rows(lowest[0], highest[0], area.left(), area.right());
     const axis cost(lowest[1], highest[1], area.bottom(), area.top());
     draw_grid(&painter, rows, cost);
     painter.drawText(QRectF(0, area.bottom() + 40, size_px.width(), 24), Qt::AlignCenter,
-                     QStringLiteral("rows"));
-    painter.drawText(QPointF(16, 50), QStringLiteral("µs per row"));
+                     labels.items);
+    painter.drawText(QPointF(16, 50), labels.cost);
     for (int i = 0; i < lines.size(); ++i)
         draw_line(&painter, rows, cost, lines.at(i), i);
     painter.end();

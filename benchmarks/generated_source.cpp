@@ -2,9 +2,13 @@
 
 #include "extraction/preferences_table.h"
 #include "host_interface/frame/cyberduck.h"
+#include "samples/attribute_values.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+
+#include <sys/xattr.h>
 
 const char bookmarks_table[] = "bookmarks";
 const char history_table[] = "history";
@@ -82,12 +86,12 @@ generated_source::generated_source()
     make_database();
 }
 
-QString generated_source::lists_of(const char *table) const
+QString generated_source::lists_of(const char *table, const QString &user) const
 {
     QString name = QLatin1String(table);
     name[0] = name.at(0).toUpper();
-    return root() + QStringLiteral("Users/alice/Library/Application Support/Cyberduck/") + name +
-           QLatin1Char('/');
+    return root() +
+           QStringLiteral("Users/%1/Library/Application Support/Cyberduck/%2/").arg(user, name);
 }
 
 QString generated_source::preferences() const
@@ -121,30 +125,40 @@ void generated_source::make_database() const
     frame.pub_create_db_tables();
 }
 
-void generated_source::write_connections(const char *table, int count)
+void generated_source::write_connections(const char *table, int count, const QString &user)
 {
-    const QString folder = lists_of(table);
+    const QString folder = lists_of(table, user);
     QDir().mkpath(folder);
     for (int i = 0; i < count; ++i)
         write_file(folder + QString::number(i) + QStringLiteral(".duck"), connection_list(i));
 }
 
-void generated_source::write_transfers(int count, int items, bool with_local_copies)
+void generated_source::write_copy(int number)
 {
+    const QString path = QFile::decodeName(copy_path(number));
+    if (number % transfers_.copies_in_folder == 0)
+        QDir().mkpath(QFileInfo(path).path());
+    write_file(path, QByteArray(local_copy_bytes, 'x'));
+    if (!transfers_.says_where_from)
+        return;
+    const QByteArray where = list_of_texts({QStringLiteral("https://example.org/%1").arg(number)});
+    if (::setxattr(QFile::encodeName(path).constData(), "user.com.apple.metadata:kMDItemWhereFroms",
+                   where.constData(), size_t(where.size()), 0) != 0)
+        qFatal("cannot write an attribute of %s", qPrintable(path));
+}
+
+void generated_source::write_transfers(const transfer_shape &shape)
+{
+    transfers_ = shape;
     const QString folder = lists_of(transfers_table);
-    const QString downloads = root() + QStringLiteral("Users/alice/Downloads/");
     QDir().mkpath(folder);
-    for (int i = 0; i < count; ++i) {
-        const QByteArray name = "transfer " + QByteArray::number(i);
-        const QString copies = downloads + QString::fromLatin1(name) + QLatin1Char('/');
-        if (with_local_copies)
-            QDir().mkpath(copies);
+    for (int i = 0; i < shape.lists; ++i) {
         QByteArray entries;
-        for (int item = 0; item < items; ++item) {
-            entries += item_entries(name, file_name(item));
-            if (with_local_copies)
-                write_file(copies + QString::fromLatin1(file_name(item)),
-                           QByteArray(local_copy_bytes, 'x'));
+        for (int item = 0; item < shape.items; ++item) {
+            const int number = i * shape.items + item;
+            entries += item_entries(copies_folder(number), file_name(number));
+            if (shape.has_copies)
+                write_copy(number);
         }
         const QByteArray content =
             text_entry("Type", "download") +
@@ -158,13 +172,41 @@ void generated_source::write_transfers(int count, int items, bool with_local_cop
     }
 }
 
+QByteArray generated_source::copies_folder(int number) const
+{
+    return "transfer " + QByteArray::number(number / transfers_.copies_in_folder);
+}
+
+QByteArray generated_source::copy_path(int number) const
+{
+    return QFile::encodeName(root()) + "Users/alice/Downloads/" + copies_folder(number) + '/' +
+           file_name(number);
+}
+
 QByteArray generated_source::local_copy_of(const QByteArray &list_path, int item) const
 {
     const int number_start = list_path.lastIndexOf('/') + 1;
-    const QByteArray number =
+    const QByteArray list =
         list_path.mid(number_start, list_path.indexOf('.', number_start) - number_start);
-    return QFile::encodeName(root()) + "Users/alice/Downloads/transfer " + number + '/' +
-           file_name(item);
+    return copy_path(list.toInt() * transfers_.items + item);
+}
+
+void generated_source::write_nested_folders(int folders, int depth)
+{
+    for (int first = 0; first < folders; first += depth) {
+        const QString chain = lists_of(bookmarks_table) + QString::number(first);
+        if (!QDir().mkpath(chain + QStringLiteral("/d").repeated(depth - 1)))
+            qFatal("cannot make %d folders in one another", depth);
+    }
+}
+
+void generated_source::write_index(const QHash<QString, QByteArray> &files)
+{
+    const QString store =
+        root() + QStringLiteral(".Spotlight-V100/Store-V2/9C6A1D3C-2B6A-4F2F-9C0A-7D1E4F2F9C0A/");
+    QDir().mkpath(store);
+    for (auto file = files.begin(); file != files.end(); ++file)
+        write_file(store + file.key(), file.value());
 }
 
 void generated_source::write_preferences(int others)

@@ -1,9 +1,11 @@
 #include "paired_runs.h"
 
+#include "median.h"
+
 #include <sys/resource.h>
 
-#include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace {
 
@@ -52,9 +54,7 @@ double median_of(const std::vector<round_times> &rounds, double round_times::*va
     values.reserve(rounds.size());
     for (const round_times &round : rounds)
         values.push_back(round.*value);
-    std::sort(values.begin(), values.end());
-    const size_t middle = values.size() / 2;
-    return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+    return median(std::move(values));
 }
 
 } // namespace

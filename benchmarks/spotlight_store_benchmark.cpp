@@ -1,7 +1,7 @@
 // Measures the index of a volume: reading it once, its memory, and asking it.
 #include "formats/spotlight_store/spotlight_store.h"
 
-#include "samples/spotlight_store_writer.h"
+#include "generated_index.h"
 
 #include <benchmark/benchmark.h>
 
@@ -9,44 +9,7 @@
 
 namespace {
 
-using namespace samples;
-
-constexpr quint64 records_per_folder = 50;
-constexpr quint64 first_id = 100;
-
-QString folder_name(quint64 id)
-{
-    return QStringLiteral("Folder %1 of the user").arg(id);
-}
-
-QString file_name(quint64 id)
-{
-    return QStringLiteral("Document %1.txt").arg(id);
-}
-
-QHash<QString, QByteArray> volume_of(quint64 records)
-{
-    store_writer writer;
-    writer.page_packing(packing::lz4_frames);
-    const quint32 used = writer.attribute("kMDItemUsedDates", 12, 2);
-    const quint32 size = writer.attribute("kMDItemLogicalSize", 7, 0x48);
-    const quint32 comment = writer.attribute("kMDItemTextContentLanguage", 11, 0);
-    writer.root();
-    quint64 folder = 2;
-    for (quint64 id = first_id; id < first_id + records; ++id) {
-        const bool is_folder = id % records_per_folder == 0;
-        const QByteArray name = (is_folder ? folder_name(id) : file_name(id)).toUtf8();
-        record_writer record(id, is_folder ? 2 : folder);
-        record.add(store_writer::file_name, prefixed(name + '\0'));
-        record.add(used, prefixed(date(1.5e9 + double(id)) + date(1.6e9)));
-        record.add(size, variable(id * 977));
-        record.add(comment, prefixed(QByteArray(150, char('a' + id % 26))));
-        writer.add(record);
-        if (is_folder)
-            folder = id;
-    }
-    return writer.folder();
-}
+using namespace generated_index;
 
 std::unique_ptr<formats::spotlight_store> opened(const QHash<QString, QByteArray> &files,
                                                  formats::spotlight_budget *budget)
@@ -57,7 +20,7 @@ std::unique_ptr<formats::spotlight_store> opened(const QHash<QString, QByteArray
 
 void index_store(benchmark::State &state)
 {
-    const auto files = volume_of(quint64(state.range(0)));
+    const auto files = of_volume(quint64(state.range(0)));
     size_t bytes = 0;
     size_t records = 0;
     for (auto _ : state) {
@@ -75,7 +38,7 @@ void index_store(benchmark::State &state)
 // Looks a file up by path and reads one attribute. The files are spread over the volume.
 void look_up(benchmark::State &state)
 {
-    const auto files = volume_of(quint64(state.range(0)));
+    const auto files = of_volume(quint64(state.range(0)));
     formats::spotlight_budget budget;
     const auto store = opened(files, &budget);
     store->load();

@@ -8,7 +8,7 @@
 #include "extraction/history.h"
 #include "extraction/transfers.h"
 #include "paired_runs.h"
-#include "host_interface/frame/cyberduck.h"
+#include "plugin_run.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -22,6 +22,7 @@
 #include <unistd.h>
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace {
@@ -29,11 +30,7 @@ namespace {
 constexpr int items_per_transfer = 20;
 constexpr int largest_paired_peer = 20000; // rows; above that the script gets fewer rounds
 constexpr int rounds_of_large_peer = 1;
-constexpr double kibibytes_per_mebibyte = 1024;
 constexpr double microseconds_per_second = 1e6;
-constexpr char single_run_option[] = "--single-run";
-
-enum class logging { off, clear, enciphered };
 
 struct measured_case
 {
@@ -51,37 +48,6 @@ QTextStream &out()
     return stream;
 }
 
-// Runs the plug-in once, as a host does. Returns the number of records that it counted.
-int extract(const QString &root, const QString &result_folder, const QString &table, logging log)
-{
-    struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_source_info source;
-    source.fs_extraction_source_path = root;
-    source.source_type_internal = QStringLiteral("macOS_Image");
-    source.os_scheme_internal = QStringLiteral("macOS");
-    source.os_scheme_display = QStringLiteral("macOS");
-    source.system_account_QList = {{QStringLiteral("alice"), QString()}};
-    struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_general_info general;
-    general.debug_mode_status = log != logging::off;
-    general.debug_print_in_file = log != logging::off;
-    general.debug_encryption_status = log == logging::enciphered;
-    general.debug_file_path = result_folder + QStringLiteral("/debug.log");
-    QFile::remove(general.debug_file_path);
-    qint64 records = -1;
-    cyberduck frame;
-    QObject::connect(&frame, &cyberduck::signal_extracted_records_of_plugin_overall, &frame,
-                     [&records](qint64 count) { records = count; });
-    frame.pub_set_engine_type(0);
-    frame.pub_set_essentials();
-    frame.pub_set_source_count(1);
-    frame.pub_set_general_info(general);
-    frame.pub_set_source_info(source);
-    frame.pub_set_essential_for_haldo_bench_extraction({table}, {});
-    frame.pub_set_result_directory(result_folder);
-    frame.pub_find_source_file();
-    frame.pub_extract_artifacts();
-    return int(records);
-}
-
 // Starting Python is not measured.
 run_outcome run_script(const generated_source &source, const QString &table)
 {
@@ -93,30 +59,6 @@ run_outcome run_script(const generated_source &source, const QString &table)
         return {};
     const QList<QByteArray> told = script.readAllStandardOutput().split(' ');
     return {told.value(0).toInt(), told.value(1).toDouble() * microseconds_per_second};
-}
-
-// Peak resident size of this program so far, in MiB. getrusage would include that of the process
-// that started it.
-double peak_mib()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    const QByteArray all = status.readAll();
-    const int start = all.indexOf("VmHWM:") + 6;
-    return all.mid(start, all.indexOf("kB", start) - start).trimmed().toDouble() /
-           kibibytes_per_mebibyte;
-}
-
-// The same for a process of its own that does one run.
-double peak_of_one_run(const generated_source &source, const QString &table)
-{
-    QProcess single;
-    single.start(QCoreApplication::applicationFilePath(),
-                 {QLatin1String(single_run_option), source.root(), source.result_folder(), table});
-    if (!single.waitForFinished(-1) || single.exitCode() != 0)
-        qFatal("the run of its own failed");
-    return single.readAllStandardOutput().toDouble();
 }
 
 // Drops the files of all sources from the system's cache. False when that fails.
@@ -161,7 +103,7 @@ floor_shape floor_of(const case_plan &plan, const generated_source &source)
 {
     const QString table = QLatin1String(plan.table);
     const bool is_transfer = plan.rows_per_list > 1;
-    extract(source.root(), source.result_folder(), table, logging::off);
+    static_cast<void>(run_plugin(source.root(), source.result_folder(), table));
     floor_shape shape = floor_like_first_row(source.database(), table, columns_of(table));
     shape.folder = source.lists_of(plan.table);
     shape.suffix = is_transfer ? QStringLiteral(".cyberducktransfer") : QStringLiteral(".duck");
@@ -178,26 +120,27 @@ measured_case measure_case(const case_plan &plan)
     generated_source source;
     const QString table = QLatin1String(plan.table);
     if (plan.rows_per_list > 1)
-        source.write_transfers(plan.lists, plan.rows_per_list, plan.has_copies);
+        source.write_transfers(
+            {plan.lists, plan.rows_per_list, plan.has_copies, plan.rows_per_list});
     else
         source.write_connections(plan.table, plan.lists);
     const int rows = plan.lists * plan.rows_per_list;
     const floor_shape floor = floor_of(plan, source);
-    const auto plug_in = [&](logging log) {
+    const auto plug_in = [&](debug_log log) {
         return [&source, table, log] {
-            return run_outcome{extract(source.root(), source.result_folder(), table, log)};
+            return run_outcome{run_plugin(source.root(), source.result_folder(), table, log)};
         };
     };
     std::vector<contender> contenders = {
         {QStringLiteral("floor"), [&floor] { return run_outcome{run_floor(floor)}; }, plan.rounds},
-        {QStringLiteral("plug-in"), plug_in(logging::off), plan.rounds},
+        {QStringLiteral("plug-in"), plug_in(debug_log::off), plan.rounds},
         {QStringLiteral("script"), [&] { return run_script(source, table); },
          rows > largest_paired_peer ? rounds_of_large_peer : plan.rounds}};
     if (plan.logs) {
         contenders.push_back(
-            {QStringLiteral("plug-in, log in the clear"), plug_in(logging::clear), plan.rounds});
-        contenders.push_back(
-            {QStringLiteral("plug-in, log enciphered"), plug_in(logging::enciphered), plan.rounds});
+            {QStringLiteral("plug-in, log in the clear"), plug_in(debug_log::clear), plan.rounds});
+        contenders.push_back({QStringLiteral("plug-in, log enciphered"),
+                              plug_in(debug_log::enciphered), plan.rounds});
     }
     measured_case result = {plan.name, table, rows, plan.is_cold, {}, 0};
     result.contenders = measure_in_turn(contenders, plan.rounds, rows, [&] {
@@ -206,7 +149,7 @@ measured_case measure_case(const case_plan &plan)
             drop_cache();
     });
     source.make_database();
-    result.peak_mib = peak_of_one_run(source, table);
+    result.peak_mib = run_in_own_process(source.root(), source.result_folder(), table).peak_mib;
     return result;
 }
 
@@ -270,7 +213,10 @@ bool plot(const QString &path, const std::vector<measured_case> &cases)
             lines[int(i)].points.append({double(measured.rows), one.elapsed_us_per_row});
         }
     }
-    return write_cost_plot(path, QStringLiteral("Cost of a bookmark's row, warm cache"), lines);
+    return write_cost_plot(path,
+                           {QStringLiteral("Cost of a bookmark's row, warm cache"),
+                            QStringLiteral("rows"), QStringLiteral("µs per row")},
+                           lines);
 }
 
 std::vector<case_plan> all_cases(int rounds)
@@ -338,11 +284,6 @@ int main(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     const QStringList arguments = QApplication::arguments();
-    if (arguments.value(1) == QLatin1String(single_run_option)) {
-        const int rows =
-            extract(arguments.value(2), arguments.value(3), arguments.value(4), logging::off);
-        out() << peak_mib();
-        return rows < 0;
-    }
-    return run_all(arguments);
+    const std::optional<int> ended = answer_lone_run(arguments);
+    return ended ? *ended : run_all(arguments);
 }

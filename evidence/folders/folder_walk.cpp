@@ -1,5 +1,6 @@
 #include "evidence/folders/folder_walk.h"
 
+#include "evidence/access/source_open.h"
 #include "evidence/files/file_names.h"
 
 #include <fcntl.h>
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <utility>
 
@@ -44,16 +46,25 @@ bool folder_walk::open_next_folder()
         folder_ = pending_folders_.back();
         pending_folders_.pop_back();
         pending_bytes_ -= folder_.size();
-        QByteArray path = real_ + folder_;
-        path.chop(path.size() > 1 ? 1 : 0); // O_NOFOLLOW looks through a trailing "/"
-        if (directory_.open(AT_FDCWD, path.constData())) {
-            shown_folder_ = decoded_name(recorded_ + folder_);
-            folder_is_text_ = encoded_name(shown_folder_) == recorded_ + folder_;
+        if (open_folder()) {
+            shown_.reset();
             return true;
         }
         note_failed();
     }
     return false;
+}
+
+bool folder_walk::open_folder()
+{
+    QByteArray path = real_ + folder_;
+    if (path.size() > PATH_MAX)
+        return false;
+    path.chop(path.size() > 1 ? 1 : 0); // O_NOFOLLOW looks through a trailing "/"
+    const int name_start = folder_.lastIndexOf('/', -2) + 1;
+    if (above_.is_open() && !folder_.isEmpty() && folder_.left(name_start) == folder_above_)
+        return directory_.open(above_.get(), path.constData() + real_.size() + name_start);
+    return directory_.open(AT_FDCWD, path.constData());
 }
 
 void folder_walk::note_failed()
@@ -81,11 +92,26 @@ bool folder_walk::next()
     }
 }
 
+const folder_walk::shown_folder &folder_walk::shown() const
+{
+    if (!shown_) {
+        const QByteArray folder = recorded_ + folder_;
+        const QString path = decoded_name(folder);
+        shown_ = shown_folder{path, encoded_name(path) == folder};
+    }
+    return *shown_;
+}
+
 void folder_walk::close_folder()
 {
     if (!is_whole_)
         note_failed();
+    if (has_subfolders_) {
+        above_ = hold_folder(directory_.descriptor(), ".");
+        folder_above_ = folder_;
+    }
     directory_.close();
+    has_subfolders_ = false;
     entries_ = 0;
     is_whole_ = true;
 }
@@ -105,6 +131,7 @@ bool folder_walk::take(const dirent &found)
         if (has_room) {
             pending_bytes_ += found_folder.size();
             pending_folders_.push_back(found_folder);
+            has_subfolders_ = true;
         }
     }
     return true;
@@ -136,7 +163,7 @@ bool folder_walk::kind_of(const dirent &found, entry_kind *kind)
 
 QString folder_walk::path() const
 {
-    return is_plain(name_) ? shown_folder_ + QLatin1String(name_)
+    return is_plain(name_) ? shown().path + QLatin1String(name_)
                            : evidence::decoded_name(recorded_ + folder_ + name_);
 }
 
@@ -147,7 +174,7 @@ QString folder_walk::real_path() const
 
 bool folder_walk::path_is_text() const
 {
-    return folder_is_text_ &&
+    return shown().is_text &&
            (is_plain(name_) || evidence::encoded_name(evidence::decoded_name(name_)) == name_);
 }
 

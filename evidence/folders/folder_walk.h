@@ -1,12 +1,14 @@
 // Walks a folder and everything below it, one entry at a time.
 #pragma once
 
+#include "evidence/access/descriptor.h"
 #include "evidence/folders/folder_listing.h"
 
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
 
+#include <optional>
 #include <vector>
 
 namespace evidence {
@@ -22,8 +24,10 @@ struct walk_limits
 
 // Gives files, folders and links; hidden entries (names with a leading "."), what lies below hidden
 // folders, and special files are passed over. Links are given but never followed. A folder's own
-// entries come before those of its subfolders, otherwise in the file system's order. One
-// directory is open at a time; opening does not change its access time where the system allows.
+// entries come before those of its subfolders, otherwise in the file system's order. A folder is
+// opened from the one above it if that was listed last, so that deep folders cost no more than
+// others. Opening does not change access times where the system allows. A folder whose path is
+// longer than the system opens is left out.
 class folder_walk
 {
 public:
@@ -52,8 +56,18 @@ public:
     [[nodiscard]] bool path_is_text() const;
 
 private:
+    // The path of the open folder, starting with the recorded one.
+    struct shown_folder
+    {
+        QString path;
+        bool is_text; // its bytes are
+    };
+
     bool open_next_folder();
+    bool open_folder();
     void note_failed();
+    // Decoded once for all entries, and only for those that are asked for.
+    [[nodiscard]] const shown_folder &shown() const;
     void close_folder();
     bool take(const dirent &found);
     bool kind_of(const dirent &found, entry_kind *kind);
@@ -63,9 +77,12 @@ private:
     std::vector<QByteArray> pending_folders_; // below the walk's folder, each ends in "/"
     qint64 pending_bytes_ = 0;
     folder_listing directory_;
-    QByteArray folder_;    // the open one, below the walk's folder; empty or ends in "/"
-    QString shown_folder_; // its path, starting with the recorded one, decoded once for all entries
-    bool folder_is_text_ = true;
+    QByteArray folder_; // the open one, below the walk's folder; empty or ends in "/"
+    bool has_subfolders_ = false;
+    // The folder above those that were found last.
+    QByteArray folder_above_; // below the walk's folder; empty or ends in "/"
+    descriptor above_;
+    mutable std::optional<shown_folder> shown_;
     QByteArray name_;
     QStringList failed_;
     entry_kind kind_ = entry_kind::file;
