@@ -8,6 +8,8 @@
 #include <QProcess>
 #include <QTextStream>
 
+#include <sys/resource.h>
+
 #include <chrono>
 
 namespace {
@@ -27,6 +29,11 @@ struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_source_info describe(const QString &root
     for (const QString &user : users)
         source.system_account_QList.append({user, QString()});
     return source;
+}
+
+qint64 microseconds(const timeval &time)
+{
+    return qint64{time.tv_sec} * 1'000'000 + time.tv_usec;
 }
 
 // Of this program so far. getrusage would include the peak of the process that started it.
@@ -83,7 +90,8 @@ lone_run run_in_own_process(const QString &root, const QString &result_folder, c
     if (!alone.waitForFinished(-1) || alone.exitCode() != 0)
         qFatal("the run of its own failed");
     const QList<QByteArray> told = alone.readAllStandardOutput().split(' ');
-    return {told.value(0).toInt(), told.value(1).toDouble(), told.value(2).toDouble()};
+    return {told.value(0).toInt(), told.value(1).toDouble(), told.value(2).toDouble(),
+            told.value(3).toDouble()};
 }
 
 std::optional<int> answer_lone_run(const QStringList &arguments)
@@ -94,7 +102,10 @@ std::optional<int> answer_lone_run(const QStringList &arguments)
     const int records = run_plugin(arguments.value(2), arguments.value(3), arguments.value(4));
     const std::chrono::duration<double, std::micro> elapsed =
         std::chrono::steady_clock::now() - before;
-    QTextStream(stdout) << records << ' ' << QString::number(elapsed.count(), 'f', 0) << ' '
+    rusage used = {};
+    ::getrusage(RUSAGE_SELF, &used);
+    QTextStream(stdout) << records << ' ' << qRound64(elapsed.count()) << ' '
+                        << microseconds(used.ru_utime) + microseconds(used.ru_stime) << ' '
                         << peak_mib();
     return records < 0;
 }

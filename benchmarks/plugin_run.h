@@ -18,7 +18,8 @@ struct lone_run
 {
     int records = -1;
     double elapsed_us = 0;
-    double peak_mib = 0; // resident
+    double processor_us = 0; // of the whole process
+    double peak_mib = 0;     // resident
 };
 
 // The command that starts this program for such a run.

@@ -55,10 +55,10 @@ const similar_names::listing &similar_names::listing_of(const QByteArray &folder
     const auto known = known_.constFind(path);
     if (known != known_.constEnd())
         return *known;
-    listing names = read_listing(path);
+    const listing names = read_listing(path);
     make_room();
     order_.append(path);
-    return *known_.insert(path, std::move(names));
+    return *known_.insert(path, names);
 }
 
 similar_names::listing similar_names::read_listing(const QByteArray &path)

@@ -53,7 +53,7 @@ public:
 private:
     static constexpr qint64 work_per_stored_byte = 12;
     static constexpr qint64 memory_per_stored_byte = 2;
-    static constexpr qint64 work_per_question = 256 * 1024;
+    static constexpr qint64 work_per_question = 256LL * 1024;
 
     run::cancellation cancelled_;
     qint64 work_left_ = qint64(128) * 1024 * 1024;
