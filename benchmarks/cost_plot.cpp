@@ -69,7 +69,7 @@ void draw_grid(QPainter *painter, const axis &rows, const axis &cost)
                           QPointF(area.right(), cost.at(value)));
         painter->setPen(Qt::black);
         painter->drawText(box(area.left() - 70, cost.at(value)), Qt::AlignRight | Qt::AlignVCenter,
-                          QLocale::c().toString(value, 'f', 0));
+                          QLocale::c().toString(value, 'g', 6));
     }
 }
 
@@ -89,7 +89,7 @@ void draw_line(QPainter *painter, const axis &rows, const axis &cost, const cost
                           Qt::AlignCenter, QLocale::c().toString(point.y(), 'f', 1));
     }
     painter->drawPolyline(drawn);
-    painter->drawText(QPointF(area.right() - 90, area.top() + 20 + 20 * index), line.name);
+    painter->drawText(QPointF(area.right() - 110, area.top() + 20 + 20 * index), line.name);
 }
 
 } // namespace

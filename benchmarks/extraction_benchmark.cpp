@@ -148,6 +148,43 @@ void read_row_of_binary(benchmark::State &state)
     read_row(state, as_binary(connection_list(1)));
 }
 
+// The texts of a bookmark that go from the list to the row as they are.
+const std::vector<QByteArray> &passing_texts()
+{
+    static const std::vector<QByteArray> texts = {"/home/alice/project 123",
+                                                  "Server number 123",
+                                                  "sftp",
+                                                  "1d3c2b6a-7d1e-4f2f-9c0a-000000000123",
+                                                  "host123.example.org",
+                                                  "22",
+                                                  "alice",
+                                                  QByteArray(400, 'c')};
+    return texts;
+}
+
+// What it costs that they are UTF-16 between the list and the row.
+void pass_texts_as_utf16(benchmark::State &state)
+{
+    for (auto _ : state) {
+        for (const QByteArray &text : passing_texts())
+            benchmark::DoNotOptimize(QString::fromUtf8(text).trimmed().toUtf8());
+    }
+}
+
+// The least that it would cost without: a look whether they are ASCII and trimmed, and a copy.
+void pass_texts_as_bytes(benchmark::State &state)
+{
+    for (auto _ : state) {
+        for (const QByteArray &text : passing_texts()) {
+            char all_bits = 0;
+            for (const char byte : text)
+                all_bits |= byte;
+            benchmark::DoNotOptimize(all_bits >= 0 && text.front() > ' ' && text.back() > ' ');
+            benchmark::DoNotOptimize(QByteArray(text.constData(), text.size()));
+        }
+    }
+}
+
 void map_path(benchmark::State &state)
 {
     const extraction::path_mapper paths(source().root(), QStringLiteral("macOS_Image"));
@@ -268,6 +305,8 @@ BENCHMARK(parse_xml)->Unit(benchmark::kMicrosecond);
 BENCHMARK(parse_binary)->Unit(benchmark::kMicrosecond);
 BENCHMARK(read_row_of_xml)->Unit(benchmark::kMicrosecond);
 BENCHMARK(read_row_of_binary)->Unit(benchmark::kMicrosecond);
+BENCHMARK(pass_texts_as_utf16)->Unit(benchmark::kMicrosecond);
+BENCHMARK(pass_texts_as_bytes)->Unit(benchmark::kMicrosecond);
 BENCHMARK(map_path)->Unit(benchmark::kMicrosecond);
 BENCHMARK(bind_and_step)->Unit(benchmark::kMillisecond);
 BENCHMARK(bind_and_step_by_query)->Unit(benchmark::kMillisecond);

@@ -18,7 +18,7 @@ struct lone_run
 {
     int records = -1;
     double elapsed_us = 0;
-    double processor_us = 0; // of the whole process
+    double processor_us = 0;
     double peak_mib = 0;     // resident
 };
 

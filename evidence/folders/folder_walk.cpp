@@ -32,11 +32,13 @@ bool is_plain(const QByteArray &name)
 
 } // namespace
 
-folder_walk::folder_walk(const QString &recorded, const QString &real, const walk_limits &limits)
+folder_walk::folder_walk(const QString &recorded, const QString &real, const walk_limits &limits,
+                         walk_extent extent)
     : recorded_(with_trailing_slash(recorded))
     , real_(with_trailing_slash(real))
     , pending_folders_{QByteArray()}
     , limits_(limits)
+    , extent_(extent)
 {
 }
 
@@ -118,7 +120,7 @@ void folder_walk::close_folder()
 
 bool folder_walk::take(const dirent &found)
 {
-    if (found.d_name[0] == '.')
+    if (found.d_name[0] == '.' && extent_ == walk_extent::shown)
         return false;
     if (!kind_of(found, &kind_))
         return false;
@@ -156,6 +158,8 @@ bool folder_walk::kind_of(const dirent &found, entry_kind *kind)
         *kind = entry_kind::folder;
     else if (S_ISLNK(mode))
         *kind = entry_kind::link;
+    else if (extent_ == walk_extent::everything)
+        *kind = entry_kind::special;
     else
         return false;
     return true;
@@ -170,6 +174,11 @@ QString folder_walk::path() const
 QString folder_walk::real_path() const
 {
     return evidence::decoded_name(real_ + folder_ + name_);
+}
+
+bool folder_walk::is_hidden() const
+{
+    return name_.startsWith('.') || folder_.startsWith('.') || folder_.contains("/.");
 }
 
 bool folder_walk::path_is_text() const

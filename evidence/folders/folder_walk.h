@@ -22,8 +22,11 @@ struct walk_limits
     qint64 path_bytes = 64 << 20; // of their paths together
 };
 
-// Gives files, folders and links; hidden entries (names with a leading "."), what lies below hidden
-// folders, and special files are passed over. Links are given but never followed. A folder's own
+// What a walk gives. `shown`: files, folders and links, but neither hidden entries (names with a
+// leading ".") nor what lies below hidden folders. `everything`: these too, and special files.
+enum class walk_extent { shown, everything };
+
+// Links are given but never followed. A folder's own
 // entries come before those of its subfolders, otherwise in the file system's order. A folder is
 // opened from the one above it if that was listed last, so that deep folders cost no more than
 // others. Opening does not change access times where the system allows. A folder whose path is
@@ -31,10 +34,11 @@ struct walk_limits
 class folder_walk
 {
 public:
-    enum class entry_kind { file, folder, link };
+    enum class entry_kind { file, folder, link, special };
 
     // `recorded`: the folder as it is to be shown; `real`: where it is reachable, free of links.
-    folder_walk(const QString &recorded, const QString &real, const walk_limits &limits = {});
+    folder_walk(const QString &recorded, const QString &real, const walk_limits &limits = {},
+                walk_extent extent = walk_extent::shown);
 
     // Goes to the next entry; false at the end.
     bool next();
@@ -45,12 +49,15 @@ public:
     // Of the current entry. `name` is valid until the next step.
     [[nodiscard]] const QByteArray &name() const { return name_; }
     [[nodiscard]] entry_kind kind() const { return kind_; }
+    // Whether it, or a folder below the walk's own that holds it, is hidden.
+    [[nodiscard]] bool is_hidden() const;
     // The open folder that holds it, for the calls that take one; valid until the next step.
     [[nodiscard]] int folder_descriptor() const { return directory_.descriptor(); }
     // Full path, starting with the recorded folder.
     [[nodiscard]] QString path() const;
     // Full path, starting with the real folder.
     [[nodiscard]] QString real_path() const;
+    [[nodiscard]] QByteArray encoded_real_path() const { return real_ + folder_ + name_; }
     // False when the path's bytes are no text in the system's encoding: what path() shows is then
     // not what the source has, and opens nothing.
     [[nodiscard]] bool path_is_text() const;
@@ -87,6 +94,7 @@ private:
     QStringList failed_;
     entry_kind kind_ = entry_kind::file;
     walk_limits limits_;
+    walk_extent extent_;
     qint64 entries_ = 0;   // of the open folder, so far
     bool is_whole_ = true; // what has been taken in of it
 };

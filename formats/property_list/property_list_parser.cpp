@@ -63,6 +63,7 @@ void property_list_parser::parse_buffer()
         if (binary_.load(bytes_)) {
             root_ = binary_.root();
             reader_ = &binary_;
+            contents_ = &binary_;
         }
         return;
     }
@@ -71,6 +72,7 @@ void property_list_parser::parse_buffer()
     if (xml_.load(&bytes_)) {
         root_ = xml_.root();
         reader_ = &xml_;
+        contents_ = &xml_;
     }
 }
 

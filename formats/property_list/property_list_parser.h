@@ -25,13 +25,23 @@ public:
     void parse_file(evidence::evidence_file *open_file);
     void parse_copy(const QByteArray &bytes);
     // Forgets the list, but not the buffers.
-    void forget() { reader_ = nullptr; }
+    void forget()
+    {
+        reader_ = nullptr;
+        contents_ = nullptr;
+    }
 
     // The top value; absent when no list was read.
     [[nodiscard]] property_list_value root() const
     {
         return reader_ == nullptr ? property_list_value() : property_list_value(reader_, root_);
     }
+
+    // Everything that the list holds; null when no list was read.
+    [[nodiscard]] const property_list_contents *contents() const { return contents_; }
+    [[nodiscard]] property_list_node root_node() const { return root_; }
+    // The value at a node of the list that was read last.
+    [[nodiscard]] property_list_value at(property_list_node node) const { return {reader_, node}; }
 
 private:
     // `fill` gets the empty buffer and returns whether it holds a list's bytes afterwards.
@@ -44,6 +54,7 @@ private:
     xml_property_list xml_;
     binary_property_list binary_;
     const property_list_reader *reader_ = nullptr;
+    const property_list_contents *contents_ = nullptr;
     property_list_node root_ = 0;
 };
 

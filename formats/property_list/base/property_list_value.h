@@ -78,6 +78,7 @@ public:
     {
     }
 
+    [[nodiscard]] property_list_node node() const { return node_; }
     [[nodiscard]] value_kind kind() const
     {
         return reader_ == nullptr ? value_kind::absent : reader_->kind(node_);

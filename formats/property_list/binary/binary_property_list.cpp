@@ -3,9 +3,12 @@
 #include "formats/property_list/base/class_names.h"
 #include "formats/property_list/binary/binary_list_trailer.h"
 #include "formats/property_list/base/property_list_limits.h"
+#include "text/dates/calendar.h"
+#include "text/dates/iso_8601.h"
 #include "text/foundation_numbers.h"
 
 #include <QLatin1String>
+#include <QLocale>
 #include <QtEndian>
 
 #include <algorithm>
@@ -364,6 +367,52 @@ bool binary_property_list::element(property_list_node array, int index,
         return false;
     *found = value;
     return true;
+}
+
+void binary_property_list::visit_entries(property_list_node dictionary,
+                                         const entry_visitor &visit) const
+{
+    const object container = object_at(dictionary);
+    if (container.kind != value_kind::dictionary)
+        return;
+    const uchar *const keys = container.content;
+    const uchar *const values = keys + container.count * reference_bytes_;
+    for (quint64 index = 0; index < container.count; ++index) {
+        if (!spend(compared_key_work))
+            return;
+        const QString key = text(referenced_offset(keys + index * reference_bytes_));
+        if (!visit(key, referenced_offset(values + index * reference_bytes_)))
+            return;
+    }
+}
+
+QString binary_property_list::literal(property_list_node scalar) const
+{
+    const object found = object_at(scalar);
+    switch (found.kind) {
+    case value_kind::boolean:
+        return found.count == 1 ? QStringLiteral("true") : QStringLiteral("false");
+    case value_kind::date:
+        return text::iso_8601_utc(seconds_since_reference_date(scalar) +
+                                  double(text::seconds_1970_to_2001));
+    case value_kind::number:
+        break;
+    default:
+        return {};
+    }
+    constexpr quint64 largest_plain_bytes = 8;
+    if (found.type == real_type || found.count > largest_plain_bytes)
+        return QString::number(double_value(scalar), 'g', QLocale::FloatingPointShortest);
+    // Only a number of eight bytes has a sign.
+    return QString::number(integer_value(scalar));
+}
+
+QByteArray binary_property_list::data(property_list_node node) const
+{
+    const object found = object_at(node);
+    if (found.kind != value_kind::data || !spend(found.count))
+        return {};
+    return QByteArray(reinterpret_cast<const char *>(found.content), static_cast<int>(found.count));
 }
 
 } // namespace formats

@@ -1,7 +1,7 @@
 // Reads one binary property list ("bplist0…") that lies in memory, decoding only what is asked for.
 #pragma once
 
-#include "formats/property_list/base/property_list_value.h"
+#include "formats/property_list/base/property_list_contents.h"
 
 namespace formats {
 
@@ -12,7 +12,7 @@ namespace formats {
 // ASCII text with other bytes in it, nulls, fill bytes, identifiers of archives, sets, and
 // containers of too many entries. Since objects can be shared, the work for all questions together
 // is limited. Once it is used up, texts and entries are absent.
-class binary_property_list final : public property_list_reader
+class binary_property_list final : public property_list_reader, public property_list_contents
 {
 public:
     [[nodiscard]] static bool is_binary(const QByteArray &bytes);
@@ -37,6 +37,10 @@ public:
     bool look_up(property_list_node dictionary, const QString &key,
                  property_list_node *found) const override;
     bool element(property_list_node array, int index, property_list_node *found) const override;
+
+    void visit_entries(property_list_node dictionary, const entry_visitor &visit) const override;
+    [[nodiscard]] QString literal(property_list_node scalar) const override;
+    [[nodiscard]] QByteArray data(property_list_node node) const override;
 
 private:
     // One object with its content inside of the file.

@@ -428,4 +428,44 @@ bool xml_property_list::element(property_list_node array, int index,
     return true;
 }
 
+void xml_property_list::visit_entries(property_list_node dictionary,
+                                      const entry_visitor &visit) const
+{
+    if (kind_of(to_node(dictionary)) != value_kind::dictionary)
+        return;
+    pugi::xml_node key = first_element(to_node(dictionary));
+    while (key) {
+        const pugi::xml_node value = next_element(key);
+        if (!visit(within_limit(text_of(key)), from_node(value)))
+            return;
+        key = next_element(value);
+    }
+}
+
+QString xml_property_list::literal(property_list_node scalar) const
+{
+    const pugi::xml_node element = to_node(scalar);
+    switch (kind_of(element)) {
+    case value_kind::number:
+    case value_kind::date:
+        return within_limit(text_of(element));
+    case value_kind::boolean:
+        return QLatin1String(element.name());
+    default:
+        return {};
+    }
+}
+
+QByteArray xml_property_list::data(property_list_node node) const
+{
+    const pugi::xml_node element = to_node(node);
+    if (kind_of(element) != value_kind::data)
+        return {};
+    QByteArray base64(element.value());
+    for (const pugi::xml_node piece : element.children())
+        base64 += piece.value();
+    QByteArray bytes = QByteArray::fromBase64(base64);
+    return bytes.isNull() ? QByteArray("") : bytes;
+}
+
 } // namespace formats

@@ -1,7 +1,7 @@
 // Reads one XML property list that lies in memory.
 #pragma once
 
-#include "formats/property_list/base/property_list_value.h"
+#include "formats/property_list/base/property_list_contents.h"
 
 #include <pugixml.hpp>
 
@@ -12,7 +12,7 @@ namespace formats {
 
 // A node is one of the parser's nodes. The list stays in the bytes that it was loaded from: they
 // must stay, unchanged, until the next load, clear or destruction.
-class xml_property_list final : public property_list_reader
+class xml_property_list final : public property_list_reader, public property_list_contents
 {
 public:
     // Reads the list in *bytes, which it changes. False when that is not readable as a whole:
@@ -38,6 +38,10 @@ public:
                  property_list_node *found) const override;
     // Quick for the elements of one array in ascending order.
     bool element(property_list_node array, int index, property_list_node *found) const override;
+
+    void visit_entries(property_list_node dictionary, const entry_visitor &visit) const override;
+    [[nodiscard]] QString literal(property_list_node scalar) const override;
+    [[nodiscard]] QByteArray data(property_list_node node) const override;
 
 private:
     // The element that was asked for last, and the length of the container that was asked last:

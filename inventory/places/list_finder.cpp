@@ -1,0 +1,223 @@
+#include "inventory/places/list_finder.h"
+
+#include "evidence/files/file_names.h"
+
+#include <QFile>
+#include <QHash>
+
+#include <algorithm>
+#include <climits>
+#include <tuple>
+
+#include <unistd.h>
+
+namespace inventory {
+
+namespace {
+
+using evidence::folder_walk;
+using evidence::reach;
+
+constexpr char leads_outside[] = "it is a link that leads out of the source";
+
+// As it is written; null for anything but a link.
+QString target_of_link(const QByteArray &real_path)
+{
+    char target[PATH_MAX];
+    const ssize_t length = ::readlink(real_path.constData(), target, sizeof target);
+    return length < 0 ? QString()
+                      : evidence::decoded_name(QByteArray(target, static_cast<int>(length)));
+}
+
+void skip(const QString &reason, found_list *list)
+{
+    list->status = list_status::skipped;
+    list->reason = reason;
+}
+
+void fail(const QString &reason, found_list *list)
+{
+    list->status = list_status::failed;
+    list->reason = reason;
+}
+
+bool comes_before(const found_list &left, const found_list &right)
+{
+    return std::tie(left.user, left.path) < std::tie(right.user, right.path);
+}
+
+} // namespace
+
+list_finder::list_finder(const QString &root, const QStringList &tabs,
+                         const run::cancellation &cancelled)
+    : root_(root)
+    , tabs_(tabs)
+    , cancelled_(cancelled)
+    , boundary_(root, cancelled)
+{
+}
+
+found_on_source list_finder::find(const QStringList &users)
+{
+    found_ = {};
+    for (const QString &user : users) {
+        if (cancelled_.is_requested())
+            break;
+        search_home(user);
+    }
+    std::stable_sort(found_.lists.begin(), found_.lists.end(), comes_before);
+    return std::move(found_);
+}
+
+void list_finder::search_home(const QString &user)
+{
+    // Of each kind, whether a place before was there.
+    QHash<int, bool> has_earlier;
+    for (const client_place &place : client_places()) {
+        bool &is_taken = has_earlier[int(place.kind)];
+        is_taken = search_place(user, place, !is_taken) || is_taken;
+    }
+}
+
+QString list_finder::on_source(const QString &path) const
+{
+    return path.startsWith(root_) ? path.mid(root_.size() - 1) : path;
+}
+
+QString list_finder::why_not_in_tables(const client_place &place, bool is_in_use) const
+{
+    if (!tabs_.contains(tab_of(place.kind)))
+        return QStringLiteral("its tab was not asked for");
+    if (!is_in_use)
+        return QStringLiteral("the older folder exists, rows come from there");
+    return {};
+}
+
+bool list_finder::search_place(const QString &user, const client_place &place, bool is_in_use)
+{
+    const QString path =
+        root_ + QStringLiteral("Users/") + user + QLatin1Char('/') + QLatin1String(place.path);
+    const evidence::resolved_path real = boundary_.hold(path);
+    const found_place found = {user, place.kind, QLatin1String(place.name), on_source(path)};
+    switch (real.where) {
+    case reach::inside:
+        break;
+    case reach::missing:
+        return false;
+    case reach::outside:
+        note(user, found.path, QStringLiteral("a link on the way leads out of the source"), true,
+             target_of_link(
+                 evidence::encoded_name(path.endsWith(QLatin1Char('/')) ? path.chopped(1) : path)));
+        return false;
+    case reach::denied:
+        note(user, on_source(real.path), QStringLiteral("this folder may not be read"), true);
+        return false;
+    case reach::ambiguous:
+        note(user, found.path, QStringLiteral("several names differ in capitals only"), true);
+        return false;
+    case reach::costly:
+        note(user, found.path, QStringLiteral("the way is too long to be followed"), true);
+        return false;
+    }
+    found_.places.push_back(found);
+    const QString why_skipped = why_not_in_tables(place, is_in_use);
+    if (*place.suffix == '\0')
+        take_single_file(found, real, why_skipped);
+    else if (real.file->is_folder())
+        walk_folder(found, place, real.path, why_skipped);
+    else
+        note(user, found.path, QStringLiteral("this is no folder"), true);
+    return true;
+}
+
+void list_finder::take_single_file(const found_place &place, const evidence::resolved_path &real,
+                                   const QString &why_skipped)
+{
+    found_list list;
+    list.user = place.user;
+    list.kind = place.kind;
+    list.place = place.place;
+    list.path = place.path;
+    list.real_path = evidence::encoded_name(real.path);
+    if (!why_skipped.isEmpty())
+        skip(why_skipped, &list);
+    found_.lists.push_back(list);
+}
+
+void list_finder::walk_folder(const found_place &place, const client_place &shape,
+                              const QString &real, const QString &why_skipped)
+{
+    folder_walk walk(root_.chopped(1) + place.path, real, {}, evidence::walk_extent::everything);
+    while (!cancelled_.is_requested() && walk.next())
+        take_entry(walk, place, shape, why_skipped);
+    const QStringList failed = walk.take_failed();
+    for (const QString &path : failed)
+        note(place.user, on_source(path), QStringLiteral("this folder could not be read whole"),
+             true);
+}
+
+void list_finder::take_entry(const folder_walk &walk, const found_place &place,
+                             const client_place &shape, const QString &why_skipped)
+{
+    const bool has_suffix = walk.name().endsWith(shape.suffix);
+    const bool is_folder = walk.kind() == folder_walk::entry_kind::folder;
+    if (!has_suffix && !walk.name().toLower().endsWith(shape.suffix)) {
+        if (!is_folder)
+            note(place.user, on_source(walk.path()),
+                 QStringLiteral("another file in a folder of lists"), false);
+        return;
+    }
+    found_list list;
+    list.user = place.user;
+    list.kind = place.kind;
+    list.place = place.place;
+    list.path = on_source(walk.path());
+    if (!walk.path_is_text())
+        fail(QStringLiteral("its name is not UTF-8"), &list);
+    else if (is_folder)
+        fail(QStringLiteral("it is a folder"), &list);
+    else if (walk.kind() == folder_walk::entry_kind::link)
+        take_link(walk, &list);
+    else
+        list.real_path = walk.encoded_real_path();
+    if (walk.kind() == folder_walk::entry_kind::special)
+        skip(QStringLiteral("it is neither a file nor a folder"), &list);
+    else if (walk.is_hidden())
+        skip(QStringLiteral("it is hidden: a name in its path begins with a point"), &list);
+    else if (!has_suffix)
+        skip(QStringLiteral("its name ends in other capitals than \"%1\"")
+                 .arg(QLatin1String(shape.suffix)),
+             &list);
+    else if (!why_skipped.isEmpty())
+        skip(why_skipped, &list);
+    found_.lists.push_back(list);
+}
+
+void list_finder::take_link(const folder_walk &walk, found_list *list)
+{
+    const QString path = walk.real_path();
+    const evidence::resolved_path real = boundary_.resolve(path);
+    if (real.where == reach::inside) {
+        list->real_path = evidence::encoded_name(real.path);
+        return;
+    }
+    const QString target = target_of_link(walk.encoded_real_path());
+    if (real.where == reach::outside) {
+        skip(QLatin1String(leads_outside), list);
+        note(list->user, list->path, QStringLiteral("a link that leads out of the source"), false,
+             target);
+    } else if (real.where == reach::denied) {
+        fail(QStringLiteral("it is a link to a folder that may not be read"), list);
+    } else {
+        skip(QStringLiteral("it is a link that leads nowhere"), list);
+        note(list->user, list->path, QStringLiteral("a link that leads nowhere"), false, target);
+    }
+}
+
+void list_finder::note(const QString &user, const QString &path, const QString &text,
+                       bool is_failure, const QString &target)
+{
+    found_.notes.push_back({user, path, text, target, is_failure});
+}
+
+} // namespace inventory
