@@ -5,165 +5,287 @@
 #include "host/driving/extraction_run.h"
 #include "host/driving/interrupt.h"
 #include "host/driving/plugin_library.h"
+#include "host/driving/run_stop.h"
 #include "host/findings/result_draft.h"
 #include "host/findings/result_place.h"
 #include "host/findings/run_failures.h"
+#include "host/findings/run_report.h"
 #include "host/findings/run_summary.h"
-#include "evidence/files/evidence_file.h"
-#include "evidence/files/file_names.h"
-#include "evidence/folders/folder_listing.h"
-#include "evidence/folders/source_boundary.h"
+#include "host/scan_command.h"
+#include "host/sources/run_sources.h"
+#include "host/sources/source_view.h"
+#include "inventory/source_inventory.h"
 
 #include <QDir>
 #include <QFileInfo>
 
-#include <algorithm>
-
-#include <fcntl.h>
+#include <memory>
 
 namespace host {
 
 namespace {
 
-using source_info = struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_source_info;
+constexpr qint64 most_lists_named = 20;
 
-// Absolute, ending in "/", without doubled "/" and the like, because the paths in rows are cut by
-// this text. "link/.." stays: it may lead elsewhere than its text says.
-QString source_root(const QString &typed)
+// One extraction, from the sources to the last line of the summary. Each step says why the run
+// cannot go on.
+class extraction
 {
-    const QString absolute = QDir::current().absoluteFilePath(typed);
-    QString root = QDir::cleanPath(absolute);
-    const QString canonical = QFileInfo(absolute).canonicalFilePath();
-    if (QFileInfo(root).canonicalFilePath() != canonical)
-        root = canonical;
-    return root.endsWith(QLatin1Char('/')) ? root : root + QLatin1Char('/');
-}
-
-std::optional<failure> check_source(const QString &typed)
-{
-    const QFileInfo source(typed);
-    const auto refused = [&typed](const char *problem) {
-        return failure{exit_status::source_unusable,
-                       QStringLiteral("the source %1 %2; give the folder that holds Users/ as "
-                                      "SOURCE.")
-                           .arg(typed, QLatin1String(problem))};
-    };
-    if (!source.exists())
-        return refused("does not exist");
-    if (!source.isDir())
-        return refused("is not a folder");
-    if (!source.isReadable() || !source.isExecutable())
-        return refused("cannot be read");
-    return std::nullopt;
-}
-
-// A home that is a link counts when it leads to a folder of the source. An absolute link is
-// followed from the source's root, as the examined system did. A home outside the source is not
-// evidence.
-bool is_home(const QString &name, const QString &root, const evidence::source_boundary &boundary)
-{
-    if (name == QLatin1String("Shared") || name.startsWith(QLatin1Char('.')))
-        return false;
-    const evidence::resolved_path place = boundary.hold(root + QStringLiteral("Users/") + name);
-    return place.where == evidence::reach::inside && place.file->is_folder();
-}
-
-// Does not use QDir, which would change the folder's access time. Returns nothing when `folder`
-// leads out of the source.
-QStringList names_in(const QString &folder, const QString &root)
-{
-    const evidence::resolved_path place = evidence::source_boundary(root).resolve(folder);
-    if (place.where != evidence::reach::inside)
-        return {};
-    evidence::folder_listing listing;
-    if (!listing.open(AT_FDCWD, evidence::encoded_name(place.path)))
-        return {};
-    QStringList names;
-    while (const dirent *entry = listing.next()) {
-        const QString name = evidence::decoded_name(entry->d_name);
-        if (evidence::encoded_name(name) == entry->d_name)
-            names.append(name);
-        else
-            warn(QStringLiteral("%1/%2 is not read: its name is not UTF-8.").arg(folder, name));
+public:
+    explicit extraction(const extract_options &options)
+        : options_(options)
+        , started_(QDateTime::currentDateTimeUtc())
+    {
     }
-    return names;
-}
 
-// Sorted by name, so that two runs over one source give the same rows in the same order.
-QList<account> accounts_on_source(const QString &root)
-{
-    const QString users = root + QStringLiteral("Users");
-    const evidence::source_boundary boundary(root);
-    QStringList names;
-    for (const QString &name : names_in(users, root)) {
-        if (is_home(name, root, boundary))
-            names.append(name);
+    exit_status run()
+    {
+        interrupts_.watch([this] { stop_.request(); });
+        const std::optional<failure> problem = prepare();
+        const std::optional<failure> ended = problem ? problem : extract();
+        interrupts_.stop();
+        if (!ended)
+            return finish();
+        const exit_status status = report(*ended);
+        for (const QString &line : qAsConst(details_))
+            report({status, line});
+        return status;
     }
-    std::sort(names.begin(), names.end());
-    QList<account> accounts;
-    for (const QString &name : qAsConst(names))
-        accounts.append({name, QString()});
-    return accounts;
-}
 
-std::optional<failure> find_accounts(const QString &root, source_info &source)
-{
-    const evidence::resolved_path place =
-        evidence::source_boundary(root).resolve(root + QStringLiteral("Users"));
-    const QFileInfo users(place.path);
-    if (users.isDir() && (!users.isReadable() || !users.isExecutable())) {
-        return failure{exit_status::source_unusable,
-                       QStringLiteral("the folder %1 cannot be read; run with the right to read "
-                                      "it, or name the accounts with --account.")
-                           .arg(users.filePath())};
+private:
+    // Everything that can be checked before anything is written.
+    std::optional<failure> prepare()
+    {
+        source_search search = find_sources(options_, stop_.cancellation());
+        details_ = search.details;
+        if (search.problem)
+            return search.problem;
+        sources_ = std::move(search.sources);
+        if (wants_lists()) {
+            search_lists(options_, stop_.cancellation(), &sources_);
+            if (!stop_.is_requested()) {
+                if (const auto problem = check_anything_found(sources_, &details_))
+                    return problem;
+            }
+        }
+        loaded_plugin plugin = load_plugin(options_.plugin_file);
+        if (plugin.problem)
+            return plugin.problem;
+        plugin_ = std::move(plugin.object);
+        place_ = place_of_results(options_.result_directory, plugin_->pub_get_artifact_name());
+        return check_place();
     }
-    source.system_account_QList = accounts_on_source(root);
-    return std::nullopt;
-}
 
-source_info describe_source(const extract_options &options)
-{
-    source_info source;
-    source.fs_extraction_source_path = source_root(options.source);
-    source.source_type_internal = options.source_type;
-    source.os_scheme_display = options.os_display;
-    source.os_scheme_internal = options.scheme;
-    source.system_account_QList = options.accounts;
-    return source;
-}
+    [[nodiscard]] bool is_of_macos() const { return options_.scheme == QLatin1String("macOS"); }
 
-// A note, no error: a system may have no accounts. Mostly it is the wrong folder.
-void warn_without_accounts(const source_info &source)
-{
-    if (!source.system_account_QList.isEmpty() ||
-        source.os_scheme_internal != QLatin1String("macOS"))
-        return;
-    warn(QStringLiteral("no account under %1Users, so there is nothing to extract; SOURCE is the "
-                        "folder that holds Users/.")
-             .arg(source.fs_extraction_source_path));
-}
+    [[nodiscard]] bool wants_lists() const { return is_of_macos(); }
 
-exit_status finish(const result_place &place, const run_result &result,
-                   const run_failures &failures, bool json)
-{
-    for (const QString &message : failures.first)
-        warn(message);
-    if (failures.count > failures.first.size())
-        warn(QStringLiteral("and %1 more, see --debug-log.")
-                 .arg(failures.count - failures.first.size()));
-    const table_counts counts = count_tables(place.database);
-    print(json ? json_summary(place.database, result, counts)
-               : text_summary(place.database, result, counts, failures.count));
-    if (!counts.problem.isEmpty()) {
-        return report({exit_status::result_unusable,
-                       QStringLiteral("the result database %1 cannot be read (%2); run again with "
-                                      "--debug-terminal to see why.")
-                           .arg(place.database, counts.problem)});
+    std::optional<failure> check_place() const
+    {
+        for (const run_source &source : sources_) {
+            for (const QString &path : {source.layout.root, source.layout.path}) {
+                if (const auto problem = check_apart_from_source(place_, options_.debug_log, path))
+                    return problem;
+            }
+        }
+        if (!options_.append && !options_.force) {
+            if (const auto problem = check_no_result(place_))
+                return problem;
+        }
+        return check_writable(place_, options_.debug_log);
     }
-    if (result.cancelled)
-        return exit_status::cancelled;
-    return failures.count > 0 ? exit_status::incomplete : exit_status::done;
-}
+
+    std::optional<failure> extract()
+    {
+        draft_ = std::make_unique<result_draft>(place_);
+        if (const auto problem = draft_->begin(options_.append))
+            return problem;
+        if (options_.force)
+            QDir(place_.view).removeRecursively();
+        std::optional<failure> problem = open_inventory();
+        number_sources();
+        views_.resize(sources_.size());
+        if (!problem)
+            problem = write_running(place_, description());
+        for (size_t i = 0; i < sources_.size() && !problem; ++i)
+            problem = make_view_of(i);
+        if (!problem)
+            problem = take_inventories();
+        for (size_t i = 0; i < sources_.size() && !problem && !is_cancelled(); ++i)
+            problem = run_plugin(i);
+        return problem ? problem : close();
+    }
+
+    std::optional<failure> open_inventory()
+    {
+        if (!options_.takes_inventory || !is_of_macos())
+            return std::nullopt;
+        inventory_ = std::make_unique<inventory::inventory_database>();
+        if (!inventory_->open(draft_->inventory(), QFileInfo::exists(draft_->inventory())))
+            return inventory_failure();
+        return std::nullopt;
+    }
+
+    [[nodiscard]] failure inventory_failure() const
+    {
+        return {exit_status::result_unusable,
+                QStringLiteral("the inventory %1 cannot be written (%2).")
+                    .arg(place_.inventory, inventory_->problem())};
+    }
+
+    // An earlier result has taken the first numbers.
+    void number_sources()
+    {
+        int next = options_.source_count;
+        if (next == 0)
+            next = 1 + (inventory_ ? inventory_->last_source() : 0);
+        for (run_source &source : sources_)
+            source.number = next++;
+    }
+
+    [[nodiscard]] described_run description() const
+    {
+        return {&options_, &sources_, &views_, started_};
+    }
+
+    std::optional<failure> make_view_of(size_t index)
+    {
+        if (sources_[index].layout.is_volume)
+            return std::nullopt;
+        views_[index] =
+            make_view(sources_[index],
+                      place_.view + QString::number(sources_[index].number) + QLatin1Char('/'),
+                      stop_.cancellation());
+        return views_[index].problem;
+    }
+
+    // Before the plug-in runs, which then finds the lists in the system's cache.
+    std::optional<failure> take_inventories()
+    {
+        if (!inventory_)
+            return std::nullopt;
+        progress_display display(options_.progress, {QStringLiteral("reading lists")});
+        for (const run_source &source : sources_) {
+            inventory::inventory_request request;
+            request.source = inventory::facts_of_source(source.layout.root);
+            request.source.number = source.number;
+            request.source.path = source.layout.path;
+            request.source.layout = source.layout.layout;
+            request.source.count_name = QStringLiteral("Source%1").arg(source.number);
+            request.found = &source.found;
+            request.jobs = options_.jobs;
+            request.cancelled = stop_.cancellation();
+            request.progress = [&](qint64 done, qint64) { display.update(done, 0); };
+            const inventory::inventory_result taken =
+                inventory::take_inventory(request, inventory_.get());
+            expected_records_.push_back(taken.promised_rows);
+            if (!taken.is_whole && !stop_.is_requested())
+                return inventory_failure();
+        }
+        display.finish();
+        return std::nullopt;
+    }
+
+    std::optional<failure> run_plugin(size_t index)
+    {
+        const run_source &source = sources_[index];
+        if (!plugin_) {
+            loaded_plugin plugin = load_plugin(options_.plugin_file);
+            if (plugin.problem)
+                return plugin.problem;
+            plugin_ = std::move(plugin.object);
+        }
+        extraction_job job;
+        job.source.fs_extraction_source_path =
+            source.layout.is_volume ? source.layout.root : views_[index].root;
+        job.source.source_type_internal = options_.source_type;
+        job.source.os_scheme_display = options_.os_display;
+        job.source.os_scheme_internal = options_.scheme;
+        job.source.system_account_QList = source.accounts;
+        job.source_count = source.number;
+        job.keeps_rows = options_.append || index > 0;
+        job.result_directory = draft_->directory();
+        job.own_log = draft_->log();
+        if (index < expected_records_.size())
+            job.expected_records = expected_records_[index];
+        const QString log = options_.debug_log.isEmpty() ? draft_->log() : options_.debug_log;
+        const qint64 logged_before = QFileInfo(log).size();
+        const run_result ended = run_extraction(*plugin_, options_, job, &stop_);
+        plugin_.reset();
+        result_.records += ended.records;
+        result_.tabs += ended.tabs;
+        result_.seconds += ended.seconds;
+        result_.cancelled = result_.cancelled || ended.cancelled;
+        add(failures_in_log(log, logged_before, options_.encipher_log));
+        return std::nullopt;
+    }
+
+    void add(const run_failures &more)
+    {
+        failures_.count += more.count;
+        failures_.first += more.first.mid(0, max_told_failures - failures_.first.size());
+    }
+
+    [[nodiscard]] bool is_cancelled() const { return result_.cancelled || stop_.is_requested(); }
+
+    std::optional<failure> close()
+    {
+        result_.cancelled = is_cancelled();
+        if (inventory_ && QFileInfo::exists(draft_->database()) &&
+            !inventory_->count_rows(draft_->database()))
+            warn(QStringLiteral("the rows cannot be compared with the inventory (%1).")
+                     .arg(inventory_->problem()));
+        if (inventory_ && !inventory_->close())
+            return inventory_failure();
+        inventory_.reset();
+        if (const auto problem = draft_->finish(result_.cancelled))
+            return problem;
+        report_ = report_of(place_.database, place_.inventory, options_.tabs,
+                            options_.is_verbose ? -1 : most_lists_named);
+        report_.result = result_;
+        report_.is_partial = result_.cancelled;
+        return write_ended(place_, description(), report_);
+    }
+
+    exit_status finish()
+    {
+        for (const QString &message : qAsConst(failures_.first))
+            warn(message);
+        if (failures_.count > failures_.first.size())
+            warn(QStringLiteral("and %1 more, see --debug-log.")
+                     .arg(failures_.count - failures_.first.size()));
+        const table_counts counts = count_tables(place_.database);
+        const bool is_incomplete = failures_.count > 0 || report_.incomplete_lists > 0;
+        print(options_.json
+                  ? json_summary(place_, report_, counts)
+                  : text_summary(place_, report_, counts, is_incomplete, !options_.is_quiet));
+        if (!counts.problem.isEmpty()) {
+            return host::report({exit_status::result_unusable,
+                                 QStringLiteral("the result database %1 cannot be read (%2); run "
+                                                "again with --debug-terminal to see why.")
+                                     .arg(place_.database, counts.problem)});
+        }
+        if (result_.cancelled)
+            return exit_status::cancelled;
+        return is_incomplete ? exit_status::incomplete : exit_status::done;
+    }
+
+    const extract_options &options_;
+    const QDateTime started_;
+    interrupt_watcher interrupts_;
+    run_stop stop_;
+    std::vector<run_source> sources_;
+    std::vector<source_view> views_;
+    std::vector<qint64> expected_records_;
+    QStringList details_;
+    std::unique_ptr<cyberduck> plugin_;
+    result_place place_;
+    std::unique_ptr<result_draft> draft_;
+    std::unique_ptr<inventory::inventory_database> inventory_;
+    run_result result_;
+    run_failures failures_;
+    run_report report_;
+};
 
 } // namespace
 
@@ -172,40 +294,9 @@ exit_status run_extract(const QStringList &arguments)
     extract_options options;
     if (const auto ended = read_extract_options(arguments, options))
         return *ended;
-    if (const auto problem = check_source(options.source))
-        return report(*problem);
-
-    source_info source = describe_source(options);
-    if (options.accounts.isEmpty()) {
-        if (const auto problem = find_accounts(source.fs_extraction_source_path, source))
-            return report(*problem);
-    }
-    interrupt_watcher interrupts;
-    const loaded_plugin plugin = load_plugin(options.plugin_file);
-    if (plugin.problem)
-        return report(*plugin.problem);
-
-    // Nothing is created before these checks.
-    const result_place place =
-        place_of_results(options.result_directory, plugin.object->pub_get_artifact_name());
-    auto problem =
-        check_apart_from_source(place, options.debug_log, source.fs_extraction_source_path);
-    if (!problem)
-        problem = check_writable(place, options.debug_log);
-    if (problem)
-        return report(*problem);
-    warn_without_accounts(source);
-    result_draft draft(place);
-    if (const auto refused = draft.begin(options.append))
-        return report(*refused);
-    const QString log = options.debug_log.isEmpty() ? draft.log() : options.debug_log;
-    const qint64 logged_before = QFileInfo(log).size();
-    const run_result result =
-        run_extraction(*plugin.object, options, source, draft.directory(), draft.log(), interrupts);
-    const run_failures failures = failures_in_log(log, logged_before, options.encipher_log);
-    if (const auto refused = draft.finish(result.cancelled))
-        return report(*refused);
-    return finish(place, result, failures, options.json);
+    if (options.dry_run)
+        return scan_sources(options);
+    return extraction(options).run();
 }
 
 } // namespace host

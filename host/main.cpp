@@ -2,6 +2,7 @@
 // command line.
 #include "host/options/command_line.h"
 #include "host/extract_command.h"
+#include "host/scan_command.h"
 #include "host/show_command.h"
 
 #include <QApplication>
@@ -21,6 +22,7 @@ using host::exit_status;
 // A new sub-command is a row here and a file pair of its own.
 constexpr host::sub_command sub_commands[] = {
     {"extract", "run the plug-in on a source and write the result database", host::run_extract},
+    {"scan", "say what a source holds and what would be read", host::run_scan},
     {"show", "print the tables of a result database", host::run_show},
 };
 

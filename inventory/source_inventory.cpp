@@ -52,6 +52,8 @@ void count(const list_account &account, inventory_result *result)
 {
     list_counts &counts = result->counts[{account.list.user, account.list.kind}];
     ++counts.found;
+    if (account.list.status == list_status::read)
+        result->promised_rows += account.entries.value_or(0);
     switch (account.list.status) {
     case list_status::read:
         ++counts.read;
@@ -82,14 +84,11 @@ inventory_result take_inventory(const inventory_request &request, inventory_data
     inventory_result result;
     const int source = request.source.number;
     bool is_written = database->add_source(request.source);
-    list_finder finder(request.source.root, request.tabs, request.cancelled);
-    const found_on_source found = finder.find(request.users);
-    for (const found_place &place : found.places)
+    const found_on_source &found = *request.found;
+    for (const searched_place &place : found.places)
         is_written = is_written && database->add_place(source, place);
-    for (const found_note &note : found.notes) {
+    for (const found_note &note : found.notes)
         is_written = is_written && database->add_note(source, note);
-        result.failed_places += note.is_failure ? 1 : 0;
-    }
     qint64 done = 0;
     const auto take = [&](const list_account &account) {
         is_written = is_written && database->add_list(source, account);

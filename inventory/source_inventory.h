@@ -9,15 +9,16 @@
 
 #include <functional>
 #include <map>
+#include <utility>
+#include <vector>
 
 namespace inventory {
 
 struct inventory_request
 {
     source_facts source; // what the caller knows; the rest is found out
-    QStringList users;
-    QStringList tabs;
-    int jobs = 1;
+    const found_on_source *found = nullptr;
+    int jobs = 1; // threads
     run::cancellation cancelled;
     // Told now and then, on the calling thread.
     std::function<void(qint64 done, qint64 found)> progress;
@@ -36,11 +37,11 @@ struct inventory_result
 {
     bool is_whole = false; // neither cancelled nor a failure of the database
     std::map<std::pair<QString, list_kind>, list_counts> counts;
-    qint64 failed_places = 0; // that nobody could read
+    qint64 promised_rows = 0; // of the lists that are read, as far as they tell
 };
 
-// Finds, reads and hashes the lists, and writes what they hold into `database`. The result database
-// plays no part in it.
+// Reads and hashes the lists that were found, and writes what they hold into `database`. The result
+// database plays no part in it.
 [[nodiscard]] inventory_result take_inventory(const inventory_request &request,
                                               inventory_database *database);
 

@@ -40,9 +40,10 @@ QString clock_text(qint64 elapsed_ms)
 
 } // namespace
 
-progress_display::progress_display(progress_mode mode, const QStringList &tabs)
+progress_display::progress_display(progress_mode mode, const QStringList &tabs, qint64 expected)
     : style_(style::line)
     , tabs_(tabs)
+    , expected_(expected)
 {
     if (mode == progress_mode::never)
         style_ = style::none;
@@ -85,17 +86,29 @@ QString progress_display::text(qint64 records, int tabs_finished) const
                                           .arg(current + 1)
                                           .arg(tabs_.size());
     const qint64 elapsed_ms = std::max<qint64>(since_start_.elapsed(), 1);
-    return QStringLiteral("%1, %2 records, %3/s, %4")
-        .arg(tab)
-        .arg(records)
-        .arg(1000.0 * static_cast<double>(records) / static_cast<double>(elapsed_ms), 0, 'f', 0)
-        .arg(clock_text(elapsed_ms));
+    const QString done =
+        QStringLiteral("%1, %2 records, %3/s, %4")
+            .arg(tab)
+            .arg(records)
+            .arg(1000.0 * static_cast<double>(records) / static_cast<double>(elapsed_ms), 0, 'f', 0)
+            .arg(clock_text(elapsed_ms));
+    if (expected_ <= 0 || records <= 0)
+        return done;
+    const qint64 left_ms = std::max<qint64>(expected_ - records, 0) * elapsed_ms / records;
+    return done + QStringLiteral(", %1 left").arg(clock_text(left_ms));
+}
+
+double progress_display::share_done(qint64 records, int tabs_finished) const
+{
+    const bool counts_records = expected_ > 0;
+    const double done = counts_records ? double(records) : tabs_finished;
+    const double all = counts_records ? double(expected_) : std::max(tabs_.size(), 1);
+    return std::clamp(done / all, 0.0, 1.0);
 }
 
 void progress_display::draw_bar(qint64 records, int tabs_finished)
 {
-    const int tabs = std::max(tabs_.size(), 1);
-    const int filled = bar_columns * std::clamp(tabs_finished, 0, tabs) / tabs;
+    const int filled = static_cast<int>(bar_columns * share_done(records, tabs_finished));
     const QString bar = QLatin1Char('[') + QString(filled, QLatin1Char('#')) +
                         QString(bar_columns - filled, QLatin1Char('-')) + QStringLiteral("] ");
     // A line that wraps could not be overwritten.

@@ -13,8 +13,9 @@ enum class progress_mode { automatic, always, never };
 class progress_display
 {
 public:
-    // `tabs`: the selected tabs in the order in which they are extracted. The time starts here.
-    progress_display(progress_mode mode, const QStringList &tabs);
+    // `tabs`: the selected tabs in the order in which they are extracted. `expected`: how many
+    // records there will be; negative when nobody knows. The time starts here.
+    progress_display(progress_mode mode, const QStringList &tabs, qint64 expected = -1);
 
     // Records and tabs finished so far. Shows them, but not too often.
     void update(qint64 records, int tabs_finished);
@@ -25,10 +26,12 @@ private:
     enum class style { none, line, bar };
 
     [[nodiscard]] QString text(qint64 records, int tabs_finished) const;
+    [[nodiscard]] double share_done(qint64 records, int tabs_finished) const;
     void draw_bar(qint64 records, int tabs_finished);
 
     style style_;
     QStringList tabs_;
+    qint64 expected_;
     QElapsedTimer since_start_;
     QElapsedTimer since_shown_;
     int tabs_shown_ = 0;

@@ -67,35 +67,34 @@ void run_observer::slot_tabs(int count)
 }
 
 run_result run_extraction(cyberduck &plugin, const extract_options &options,
-                          const struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_source_info &source,
-                          const QString &result_directory, const QString &own_log,
-                          interrupt_watcher &interrupts)
+                          const extraction_job &job, run_stop *stop)
 {
     QElapsedTimer timer;
     timer.start();
-    progress_display display(options.progress, in_extraction_order(options.tabs));
+    progress_display display(options.progress, in_extraction_order(options.tabs),
+                             job.expected_records);
     run_observer observer(plugin, display, options.cancel_after);
 
     plugin.pub_set_engine_type(options.engine);
     plugin.pub_set_essentials();
     // Not earlier: the call before resets the flags that a cancellation sets.
-    interrupts.watch([&observer] { observer.cancel(); });
+    stop->set_hook([&observer] { observer.cancel(); });
     // It reset the engine type as well, which the log lines name.
     plugin.pub_set_engine_type(options.engine);
-    plugin.pub_set_general_info(log_settings(options, own_log));
+    plugin.pub_set_general_info(log_settings(options, job.own_log));
     plugin.pub_set_desktop_info({});
-    plugin.pub_set_source_count(options.source_count);
-    plugin.pub_set_source_info(source);
+    plugin.pub_set_source_count(job.source_count);
+    plugin.pub_set_source_info(job.source);
     if (options.scheme == QLatin1String("iOS_UID"))
         plugin.pub_set_ios_uid_backup_pointer(nullptr);
     plugin.pub_set_essential_for_haldo_bench_extraction(options.tabs, {});
     plugin.pub_set_extended_attributes_list(options.attributes);
-    plugin.pub_set_result_directory(result_directory);
+    plugin.pub_set_result_directory(job.result_directory);
     plugin.pub_create_db_tables();
-    plugin.pub_set_clear_db(!options.append);
+    plugin.pub_set_clear_db(!job.keeps_rows);
     plugin.pub_find_source_file();
     plugin.pub_extract_artifacts();
-    interrupts.stop();
+    stop->set_hook({});
     const bool cancelled = observer.is_cancelled();
     plugin.pub_generate_chat_html_pages();
     plugin.pub_remove_temporary_asthetics();

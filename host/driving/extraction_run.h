@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/options/extract_options.h"
-#include "host/driving/interrupt.h"
+#include "host/driving/run_stop.h"
 #include "host_interface/frame/cyberduck.h"
 #include "host/display/progress_display.h"
 
@@ -49,11 +49,19 @@ private:
     std::atomic<bool> cancelled_{false};
 };
 
-// `source` describes the source, `result_directory` is absolute. Progress is shown meanwhile. The
-// plug-in's log goes to `own_log` unless the options name another.
+// One run of the plug-in.
+struct extraction_job
+{
+    struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_source_info source;
+    int source_count = 1;
+    bool keeps_rows = false;  // of an earlier run
+    QString result_directory; // absolute
+    QString own_log;          // where the plug-in's log goes unless the options name another place
+    qint64 expected_records = -1; // negative: unknown
+};
+
+// Progress is shown meanwhile.
 run_result run_extraction(cyberduck &plugin, const extract_options &options,
-                          const struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_source_info &source,
-                          const QString &result_directory, const QString &own_log,
-                          interrupt_watcher &interrupts);
+                          const extraction_job &job, run_stop *stop);
 
 } // namespace host

@@ -8,6 +8,7 @@
 namespace host {
 
 // While this object lives, SIGINT, SIGTERM and SIGHUP do not end the program: they call back, once.
+// A second SIGINT ends it at once.
 // A signal that comes before watch() is kept until then. Only one object at a time; not copyable.
 //
 // The extraction blocks the main thread, and a signal handler may call very little. So the handler

@@ -61,6 +61,12 @@ bool copy_database(const QString &from, const QString &to)
     return sqlite3_backup_finish(backup) == SQLITE_OK;
 }
 
+bool move(const QString &from, const QString &to)
+{
+    return std::rename(evidence::encoded_name(from).constData(),
+                       evidence::encoded_name(to).constData()) == 0;
+}
+
 bool lock(const evidence::descriptor &folder)
 {
     return folder.is_open() && ::flock(folder.get(), LOCK_EX | LOCK_NB) == 0;
@@ -128,6 +134,11 @@ QString result_draft::directory() const
     return folder_->path();
 }
 
+QString result_draft::inventory() const
+{
+    return folder_->path() + place_.inventory.mid(place_.directory.size());
+}
+
 QString result_draft::log() const
 {
     return folder_->path() + QStringLiteral("/log");
@@ -173,9 +184,10 @@ std::optional<failure> result_draft::begin(bool append)
         return problem;
     folder_ = std::make_unique<locked_folder>(place_.directory);
     const bool made = !folder_->path().isEmpty() && QDir().mkpath(QFileInfo(database()).path());
-    const bool copied = made && (!append || !QFileInfo::exists(place_.database) ||
-                                 copy_database(place_.database, database()));
-    if (copied)
+    const auto copied = [append](const QString &from, const QString &to) {
+        return !append || !QFileInfo::exists(from) || copy_database(from, to);
+    };
+    if (made && copied(place_.database, database()) && copied(place_.inventory, inventory()))
         return std::nullopt;
     return unusable(QStringLiteral("cannot prepare a new database in the result directory %1; give "
                                    "a RESULT_DIR that can be written and has room.")
@@ -195,8 +207,12 @@ std::optional<failure> result_draft::finish(bool is_partial)
         done = done && file.open(QIODevice::WriteOnly) &&
                file.write("The run was cancelled: rows are missing.\n") > 0 && file.flush();
     }
-    done = done && std::rename(evidence::encoded_name(database()).constData(),
-                               evidence::encoded_name(place_.database).constData()) == 0;
+    done = done && move(database(), place_.database);
+    // Without a new one, the old one would speak of other rows.
+    if (QFileInfo::exists(inventory()))
+        done = done && move(inventory(), place_.inventory);
+    else
+        QFile::remove(place_.inventory);
     if (done && !is_partial)
         QFile::remove(mark);
     if (done)

@@ -21,21 +21,24 @@ public:
     result_draft(const result_draft &) = delete;
     result_draft &operator=(const result_draft &) = delete;
 
-    // Makes the draft's folder. With `append` it starts as a copy of the old database. Fails,
+    // Makes the draft's folder. With `append` it starts with copies of the old databases. Fails,
     // before anything is written, when another program has locked the old database or it is none.
     [[nodiscard]] std::optional<failure> begin(bool append);
     // What the plug-in gets as its result directory.
     [[nodiscard]] QString directory() const;
+    // Where the plug-in makes the result database.
+    [[nodiscard]] QString database() const;
+    // Where the inventory is made.
+    [[nodiscard]] QString inventory() const;
     // A file for the plug-in's log.
     [[nodiscard]] QString log() const;
-    // Puts the new database in place of the old one. A partial one gets a file beside it, named
-    // like the database with ".partial" behind, which a complete one removes.
+    // Puts the new databases in place of the old ones. A partial result database gets a file beside
+    // it, named like the database with ".partial" behind, which a complete one removes.
     [[nodiscard]] std::optional<failure> finish(bool is_partial);
 
 private:
     class locked_folder;
 
-    [[nodiscard]] QString database() const; // of the draft
     [[nodiscard]] std::optional<failure> check_old_database() const;
 
     result_place place_;

@@ -91,6 +91,9 @@ result_place place_of_results(const QString &directory, const QString &artifact_
         place.directory + separator + QStringLiteral("Artifacts_Result/") + name + QLatin1Char('/');
     place.temporary_folder = place.plugin_folder + QStringLiteral("tmp/");
     place.database = place.plugin_folder + name + QStringLiteral(".sqlite");
+    place.inventory = place.directory + separator + QStringLiteral("inventory.sqlite");
+    place.run_account = place.directory + separator + QStringLiteral("run.json");
+    place.view = place.directory + separator + QStringLiteral("view/");
     return place;
 }
 
@@ -133,6 +136,18 @@ std::optional<failure> check_apart_from_source(const result_place &place, const 
         return refused(QStringLiteral("the debug log %1 is the result database; give --debug-log "
                                       "another FILE.")
                            .arg(debug_log));
+    }
+    return std::nullopt;
+}
+
+std::optional<failure> check_no_result(const result_place &place)
+{
+    for (const QString &path : {place.database, place.inventory}) {
+        if (QFileInfo::exists(path) || QFileInfo(path).isSymLink())
+            return refused(
+                QStringLiteral("%1 is the result of an earlier run; --force replaces it, "
+                               "--append adds to it.")
+                    .arg(path));
     }
     return std::nullopt;
 }

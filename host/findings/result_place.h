@@ -16,6 +16,9 @@ struct result_place
     QString plugin_folder;    // ends in "/"
     QString temporary_folder; // in it; the plug-in removes it with its content at the end
     QString database;
+    QString inventory;
+    QString run_account; // run.json
+    QString view;        // lists that were copied; ends in "/"
 };
 
 result_place place_of_results(const QString &directory, const QString &artifact_name);
@@ -28,6 +31,9 @@ bool is_inside(const QString &path, const QString &folder);
 // holds the source. Creates nothing.
 std::optional<failure> check_apart_from_source(const result_place &place, const QString &debug_log,
                                                const QString &source);
+
+// Fails when an earlier run has left a result there.
+std::optional<failure> check_no_result(const result_place &place);
 
 // Makes the result directory if it is missing. Tries whether the plug-in can write there and into
 // the debug log (empty: none).

@@ -1,7 +1,8 @@
 // What "extract" prints on standard output when it ends.
 #pragma once
 
-#include "host/driving/extraction_run.h"
+#include "host/findings/result_place.h"
+#include "host/findings/run_report.h"
 
 #include <QPair>
 #include <QString>
@@ -21,11 +22,11 @@ struct table_counts
 // Counts the rows in the database: those are what the examiner will see.
 table_counts count_tables(const QString &database);
 
-// Other programs read both forms: do not rename or reorder anything.
-// `failures`: of what was not read.
-QString text_summary(const QString &database, const run_result &result, const table_counts &counts,
-                     qint64 failures);
-// One line. A missing table counts null.
-QString json_summary(const QString &database, const run_result &result, const table_counts &counts);
+// Other programs read both forms: do not rename anything.
+QString text_summary(const result_place &place, const run_report &report,
+                     const table_counts &counts, bool is_incomplete, bool with_hints);
+// One document. A missing table counts null.
+QString json_summary(const result_place &place, const run_report &report,
+                     const table_counts &counts);
 
 } // namespace host

@@ -1,25 +1,31 @@
 #include "host/options/extract_options.h"
 
 #include "host/options/command_line.h"
+#include "inventory/layouts/source_layout.h"
 #include "results/database/result_tables.h"
 
 #include <QCommandLineParser>
 #include <QDir>
+#include <QThread>
 
+#include <algorithm>
 #include <limits>
 
 namespace host {
 
 namespace {
 
+constexpr int most_jobs = 8;
+
 constexpr help_text help = {
-    "extract [options] SOURCE RESULT_DIR",
+    "extract [options] SOURCE... RESULT_DIR",
     "  plugin_host extract --account alice --account bob:EXAMPLE --tabs bookmarks,history \\\n"
     "      /mnt/image /cases/7/results\n\n"
-    "Exit status: 0 done, 1 done but lists or rows are missing (standard error names them), 2 "
-    "wrong\n"
-    "usage, 3 source missing or unusable, 4 result directory, debug log or standard output not\n"
-    "writable, 5 the plug-in cannot be loaded, 130 cancelled with the rows so far kept."};
+    "Exit status: 0 complete, 1 complete but lists were skipped or failed, or rows are missing "
+    "(the\n"
+    "summary names them), 2 wrong usage, 3 source missing, unusable, or nothing found, 4 result\n"
+    "directory, debug log or standard output not writable, or an earlier result is there, 5 the\n"
+    "plug-in cannot be loaded, 130 cancelled with the rows so far kept."};
 
 void add_options(QCommandLineParser &parser)
 {
@@ -34,7 +40,10 @@ void add_options(QCommandLineParser &parser)
     add("plugin", "FILE",
         "The plug-in library (default: the one built or installed beside the "
         "program).");
-    add("scheme", "NAME", "Kind of system: macOS (default), iOS_UID, winOS, or any text.", "macOS");
+    add("layout", "NAME",
+        "What a SOURCE is, instead of the first that fits: volume, system-volume, backup, home, "
+        "client-folder, users-folder, collection or list-file.");
+    add("scheme", "NAME", "Kind of system: macOS (default), iOS_UID or winOS.", "macOS");
     add("os-display", "TEXT", "The system's name as stored in every row (default: macOS).",
         "macOS");
     add("source-type", "TEXT",
@@ -52,14 +61,23 @@ void add_options(QCommandLineParser &parser)
     add("attributes", "LIST",
         "Comma list of further Spotlight attributes to collect (default: "
         "none).");
-    add("engine", "N", "Engine type; 0 (default), 1 and 2 extract.", "0");
-    add("source-count", "N", "Number of the source in the case (default: 1).", "1");
+    add("engine", "N", "Engine type: 0 (default), 1 or 2.", "0");
+    add("source-count", "N",
+        "Number of the first source in the case (default: 1, with --append the next free one).");
     add("debug-log", "FILE", "Append the debug log to FILE.");
     add_flag("encipher-log", "Encipher the lines of the debug log's file.");
     add_flag("debug-terminal", "Print the debug log on standard error.");
-    add_flag("append",
-             "Keep the rows of an earlier run (default: a new database takes the place of "
-             "an earlier one).");
+    add_flag("append", "Keep the rows of an earlier result and add to them.");
+    add_flag("force", "Replace an earlier result.");
+    add_flag("dry-run", "Only say what would be read, as scan does. Writes nothing.");
+    add_flag("no-inventory",
+             "Do not write inventory.sqlite, the independent account of every list and value.");
+    add("jobs", "N",
+        "Threads that read lists for the inventory (default: one for each processor, at most 8).");
+    add("case", "TEXT", "Name of the case, for run.json.");
+    add("evidence", "TEXT", "Name of the piece of evidence, for run.json.");
+    add("examiner", "TEXT", "Who examines, for run.json.");
+    add("notes", "TEXT", "Anything else, for run.json.");
     add("cancel-after", "N", "Cancel once N records were reported.");
     add("progress", "auto|always|never",
         "Progress on standard error: a bar on a terminal, "
@@ -67,14 +85,20 @@ void add_options(QCommandLineParser &parser)
         "never: nothing.",
         "auto");
     add("format", "text|json", "Form of the summary on standard output (default: text).", "text");
+    parser.addOption(
+        {{QStringLiteral("q"), QStringLiteral("quiet")}, QStringLiteral("No progress, no hints.")});
+    parser.addOption({{QStringLiteral("v"), QStringLiteral("verbose")},
+                      QStringLiteral("Name every list without rows, not only the first 20.")});
     parser.addPositionalArgument(QStringLiteral("SOURCE"),
-                                 QStringLiteral("Folder at which the examined file system is "
-                                                "reachable; it holds Users/. Nothing in it is "
-                                                "changed."));
+                                 QStringLiteral("What is examined: a mounted volume, a home, a "
+                                                "backup, a collection of files, or lists of the "
+                                                "client. Nothing in it is changed."),
+                                 QStringLiteral("SOURCE..."));
     parser.addPositionalArgument(QStringLiteral("RESULT_DIR"),
-                                 QStringLiteral("Folder for the results; made when missing. The "
-                                                "database is Artifacts_Result/Cyberduck/"
-                                                "Cyberduck.sqlite in it."));
+                                 QStringLiteral("Folder for the results; made when missing. It "
+                                                "gets Artifacts_Result/Cyberduck/"
+                                                "Cyberduck.sqlite, inventory.sqlite and "
+                                                "run.json."));
 }
 
 // Keeps the first problem.
@@ -119,6 +143,13 @@ public:
                        .arg(QLatin1String(name), names.join(QStringLiteral(" or ")), text(name)));
         }
         return index;
+    }
+
+    void check_known(const char *name, const QStringList &known)
+    {
+        if (!known.contains(text(name)))
+            refuse(QStringLiteral("--%1 takes %2, not '%3'.")
+                       .arg(QLatin1String(name), known.join(QStringLiteral(", ")), text(name)));
     }
 
     void refuse(const QString &problem)
@@ -168,7 +199,7 @@ QStringList read_tabs(option_reader &reader)
 
 void check_arguments(const QStringList &positional, option_reader &reader)
 {
-    if (positional.size() != 2 || positional.contains(QString())) {
+    if (positional.size() < 2 || positional.contains(QString())) {
         reader.refuse(QStringLiteral("extract takes a SOURCE and a RESULT_DIR, not %1; try "
                                      "'plugin_host extract --help'.")
                           .arg(positional.isEmpty() ? QStringLiteral("nothing")
@@ -186,30 +217,57 @@ std::optional<exit_status> read_extract_options(const QStringList &arguments,
     if (const auto ended = parse(parser, arguments, help))
         return ended;
 
+    options.command_line = QStringList{QStringLiteral("plugin_host")} + arguments;
     option_reader reader(parser);
     check_arguments(parser.positionalArguments(), reader);
-    options.source = parser.positionalArguments().value(0);
-    options.result_directory = parser.positionalArguments().value(1);
+    options.sources = parser.positionalArguments();
+    options.result_directory = options.sources.isEmpty() ? QString() : options.sources.takeLast();
+    options.layout = reader.text("layout");
+    if (!options.layout.isEmpty() && !inventory::layout_names().contains(options.layout))
+        reader.refuse(
+            QStringLiteral("--layout takes %1, not '%2'.")
+                .arg(inventory::layout_names().join(QStringLiteral(", ")), options.layout));
     options.plugin_file = reader.text("plugin");
     options.scheme = reader.text("scheme");
+    reader.check_known(
+        "scheme", {QStringLiteral("macOS"), QStringLiteral("iOS_UID"), QStringLiteral("winOS")});
     options.os_display = reader.text("os-display");
     options.source_type = reader.text("source-type");
     options.accounts = read_accounts(parser.values(QStringLiteral("account")), reader);
     options.tabs = read_tabs(reader);
     options.attributes = comma_list(reader.text("attributes"));
-    options.engine = reader.whole_number<int>("engine", std::numeric_limits<int>::min());
-    options.source_count =
-        reader.whole_number<int>("source-count", std::numeric_limits<int>::min());
+    reader.check_known("engine", {QStringLiteral("0"), QStringLiteral("1"), QStringLiteral("2")});
+    options.engine = reader.text("engine").toInt();
+    if (reader.flag("source-count"))
+        options.source_count = reader.whole_number<int>("source-count", 1);
+    options.jobs = reader.flag("jobs") ? reader.whole_number<int>("jobs", 1)
+                                       : std::clamp(QThread::idealThreadCount(), 1, most_jobs);
+    options.jobs = std::min(options.jobs, most_jobs);
     if (reader.flag("cancel-after"))
         options.cancel_after = reader.whole_number<qint64>("cancel-after", 1);
     options.debug_log = reader.text("debug-log");
     options.encipher_log = reader.flag("encipher-log");
     options.debug_terminal = reader.flag("debug-terminal");
     options.append = reader.flag("append");
+    options.force = reader.flag("force");
+    if (options.append && options.force)
+        reader.refuse(QStringLiteral("--append and --force exclude each other."));
+    options.dry_run = reader.flag("dry-run");
+    options.takes_inventory = !reader.flag("no-inventory");
+    options.case_name = reader.text("case");
+    options.evidence_name = reader.text("evidence");
+    options.examiner = reader.text("examiner");
+    options.notes = reader.text("notes");
+    options.is_quiet = reader.flag("quiet");
+    options.is_verbose = reader.flag("verbose");
     options.progress =
         static_cast<progress_mode>(reader.choice("progress", {"auto", "always", "never"}));
     options.json = reader.choice("format", {"text", "json"}) == 1;
-    if (is_lost_working_folder({options.source, options.result_directory, options.debug_log}))
+    // Nothing but the document.
+    if (options.progress == progress_mode::automatic && (options.is_quiet || options.json))
+        options.progress = progress_mode::never;
+    if (is_lost_working_folder(options.sources +
+                               QStringList{options.result_directory, options.debug_log}))
         reader.refuse(QStringLiteral("the working folder is gone; give absolute paths."));
     if (options.encipher_log && options.debug_log.isEmpty())
         reader.refuse(QStringLiteral("--encipher-log needs --debug-log FILE."));

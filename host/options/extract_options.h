@@ -17,7 +17,9 @@ using account = struct_GLOBAL_COMMON_HALDO_AND_ARTIFACT_system_account;
 
 struct extract_options
 {
-    QString source;           // as typed
+    QStringList command_line; // as typed
+    QStringList sources;      // as typed
+    QString layout;           // empty: the first that fits
     QString result_directory; // as typed
     QString plugin_file;      // empty: the default places
     QString scheme;
@@ -27,11 +29,21 @@ struct extract_options
     QStringList tabs;
     QStringList attributes;
     int engine = 0;
-    int source_count = 1;
-    QString debug_log; // absolute; empty: none
+    int source_count = 0; // of the first source; 0: the next free one
+    QString debug_log;    // absolute; empty: none
     bool encipher_log = false;
     bool debug_terminal = false;
     bool append = false;
+    bool force = false; // replaces an earlier result
+    bool dry_run = false;
+    bool takes_inventory = true;
+    int jobs = 1; // threads that read lists for the inventory
+    QString case_name;
+    QString evidence_name;
+    QString examiner;
+    QString notes;
+    bool is_quiet = false;
+    bool is_verbose = false;
     qint64 cancel_after = 0; // records; 0: never
     progress_mode progress = progress_mode::automatic;
     bool json = false;

@@ -54,4 +54,15 @@ const std::vector<client_place> &client_places()
     return places;
 }
 
+std::vector<searched_place> places_of(const searched_home &home)
+{
+    std::vector<searched_place> places;
+    for (const client_place &place : client_places()) {
+        const QLatin1String path(place.path);
+        places.push_back({home.user, place.kind, QLatin1String(place.name), home.path + path,
+                          home.shown + path, QByteArray(place.suffix)});
+    }
+    return places;
+}
+
 } // namespace inventory

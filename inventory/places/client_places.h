@@ -2,6 +2,7 @@
 // two are compared with each other.
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <vector>
@@ -25,5 +26,25 @@ struct client_place
 
 // Those of one kind follow each other. Rows come from the first one that a home has.
 [[nodiscard]] const std::vector<client_place> &client_places();
+
+// One place of one user, to be searched.
+struct searched_place
+{
+    QString user;
+    list_kind kind = list_kind::bookmark;
+    QString name;
+    QString path;  // reachable here; a folder ends in "/"
+    QString shown; // the same as on the source
+    QByteArray suffix;
+};
+
+struct searched_home
+{
+    QString user;
+    QString path;  // reachable here, with a trailing "/"
+    QString shown; // the same as on the source
+};
+
+[[nodiscard]] std::vector<searched_place> places_of(const searched_home &home);
 
 } // namespace inventory

@@ -2,8 +2,8 @@
 
 #include "evidence/files/file_names.h"
 
-#include <QFile>
-#include <QHash>
+#include <QPair>
+#include <QSet>
 
 #include <algorithm>
 #include <climits>
@@ -41,6 +41,11 @@ void fail(const QString &reason, found_list *list)
     list->reason = reason;
 }
 
+QString without_slash(const QString &path)
+{
+    return path.endsWith(QLatin1Char('/')) ? path.chopped(1) : path;
+}
+
 bool comes_before(const found_list &left, const found_list &right)
 {
     return std::tie(left.user, left.path) < std::tie(right.user, right.path);
@@ -48,43 +53,37 @@ bool comes_before(const found_list &left, const found_list &right)
 
 } // namespace
 
-list_finder::list_finder(const QString &root, const QStringList &tabs,
+list_finder::list_finder(const QString &root, const QString &shown_root, const QStringList &tabs,
                          const run::cancellation &cancelled)
     : root_(root)
+    , shown_root_(shown_root)
     , tabs_(tabs)
     , cancelled_(cancelled)
     , boundary_(root, cancelled)
 {
 }
 
-found_on_source list_finder::find(const QStringList &users)
+found_on_source list_finder::find(const std::vector<searched_place> &places)
 {
     found_ = {};
-    for (const QString &user : users) {
+    QSet<QPair<QString, int>> in_use;
+    for (const searched_place &place : places) {
         if (cancelled_.is_requested())
             break;
-        search_home(user);
+        const QPair<QString, int> key(place.user, int(place.kind));
+        if (search(place, !in_use.contains(key)))
+            in_use.insert(key);
     }
     std::stable_sort(found_.lists.begin(), found_.lists.end(), comes_before);
     return std::move(found_);
 }
 
-void list_finder::search_home(const QString &user)
-{
-    // Of each kind, whether a place before was there.
-    QHash<int, bool> has_earlier;
-    for (const client_place &place : client_places()) {
-        bool &is_taken = has_earlier[int(place.kind)];
-        is_taken = search_place(user, place, !is_taken) || is_taken;
-    }
-}
-
 QString list_finder::on_source(const QString &path) const
 {
-    return path.startsWith(root_) ? path.mid(root_.size() - 1) : path;
+    return path.startsWith(root_) ? shown_root_ + path.mid(root_.size()) : path;
 }
 
-QString list_finder::why_not_in_tables(const client_place &place, bool is_in_use) const
+QString list_finder::why_not_in_tables(const searched_place &place, bool is_in_use) const
 {
     if (!tabs_.contains(tab_of(place.kind)))
         return QStringLiteral("its tab was not asked for");
@@ -93,85 +92,81 @@ QString list_finder::why_not_in_tables(const client_place &place, bool is_in_use
     return {};
 }
 
-bool list_finder::search_place(const QString &user, const client_place &place, bool is_in_use)
+bool list_finder::search(const searched_place &place, bool is_in_use)
 {
-    const QString path =
-        root_ + QStringLiteral("Users/") + user + QLatin1Char('/') + QLatin1String(place.path);
-    const evidence::resolved_path real = boundary_.hold(path);
-    const found_place found = {user, place.kind, QLatin1String(place.name), on_source(path)};
+    const evidence::resolved_path real = boundary_.hold(place.path);
     switch (real.where) {
     case reach::inside:
         break;
     case reach::missing:
         return false;
     case reach::outside:
-        note(user, found.path, QStringLiteral("a link on the way leads out of the source"), true,
-             target_of_link(
-                 evidence::encoded_name(path.endsWith(QLatin1Char('/')) ? path.chopped(1) : path)));
+        note(place.user, place.shown, QStringLiteral("a link on the way leads out of the source"),
+             true, target_of_link(evidence::encoded_name(without_slash(place.path))));
         return false;
     case reach::denied:
-        note(user, on_source(real.path), QStringLiteral("this folder may not be read"), true);
+        note(place.user, on_source(real.path), QStringLiteral("this folder may not be read"), true);
         return false;
     case reach::ambiguous:
-        note(user, found.path, QStringLiteral("several names differ in capitals only"), true);
+        note(place.user, place.shown, QStringLiteral("several names differ in capitals only"),
+             true);
         return false;
     case reach::costly:
-        note(user, found.path, QStringLiteral("the way is too long to be followed"), true);
+        note(place.user, place.shown, QStringLiteral("the way is too long to be followed"), true);
         return false;
     }
-    found_.places.push_back(found);
+    found_.places.push_back(place);
     const QString why_skipped = why_not_in_tables(place, is_in_use);
-    if (*place.suffix == '\0')
-        take_single_file(found, real, why_skipped);
+    if (place.suffix.isEmpty())
+        take_single_file(place, real, why_skipped);
     else if (real.file->is_folder())
-        walk_folder(found, place, real.path, why_skipped);
+        walk_folder(place, real.path, why_skipped);
     else
-        note(user, found.path, QStringLiteral("this is no folder"), true);
+        note(place.user, place.shown, QStringLiteral("this is no folder"), true);
     return true;
 }
 
-void list_finder::take_single_file(const found_place &place, const evidence::resolved_path &real,
+void list_finder::take_single_file(const searched_place &place, const evidence::resolved_path &real,
                                    const QString &why_skipped)
 {
     found_list list;
     list.user = place.user;
     list.kind = place.kind;
-    list.place = place.place;
-    list.path = place.path;
+    list.place = place.name;
+    list.path = place.shown;
     list.real_path = evidence::encoded_name(real.path);
     if (!why_skipped.isEmpty())
         skip(why_skipped, &list);
     found_.lists.push_back(list);
 }
 
-void list_finder::walk_folder(const found_place &place, const client_place &shape,
-                              const QString &real, const QString &why_skipped)
+void list_finder::walk_folder(const searched_place &place, const QString &real,
+                              const QString &why_skipped)
 {
-    folder_walk walk(root_.chopped(1) + place.path, real, {}, evidence::walk_extent::everything);
+    folder_walk walk(place.shown, real, {}, evidence::walk_extent::everything);
     while (!cancelled_.is_requested() && walk.next())
-        take_entry(walk, place, shape, why_skipped);
+        take_entry(walk, place, why_skipped);
     const QStringList failed = walk.take_failed();
     for (const QString &path : failed)
-        note(place.user, on_source(path), QStringLiteral("this folder could not be read whole"),
-             true);
+        note(place.user, path, QStringLiteral("this folder could not be read whole"), true);
 }
 
-void list_finder::take_entry(const folder_walk &walk, const found_place &place,
-                             const client_place &shape, const QString &why_skipped)
+void list_finder::take_entry(const folder_walk &walk, const searched_place &place,
+                             const QString &why_skipped)
 {
-    const bool has_suffix = walk.name().endsWith(shape.suffix);
+    const bool has_suffix = walk.name().endsWith(place.suffix);
     const bool is_folder = walk.kind() == folder_walk::entry_kind::folder;
-    if (!has_suffix && !walk.name().toLower().endsWith(shape.suffix)) {
+    if (!has_suffix && !walk.name().toLower().endsWith(place.suffix)) {
         if (!is_folder)
-            note(place.user, on_source(walk.path()),
-                 QStringLiteral("another file in a folder of lists"), false);
+            note(place.user, walk.path(), QStringLiteral("another file in a folder of lists"),
+                 false);
         return;
     }
     found_list list;
     list.user = place.user;
     list.kind = place.kind;
-    list.place = place.place;
-    list.path = on_source(walk.path());
+    list.place = place.name;
+    list.path = walk.path();
     if (!walk.path_is_text())
         fail(QStringLiteral("its name is not UTF-8"), &list);
     else if (is_folder)
@@ -186,7 +181,7 @@ void list_finder::take_entry(const folder_walk &walk, const found_place &place,
         skip(QStringLiteral("it is hidden: a name in its path begins with a point"), &list);
     else if (!has_suffix)
         skip(QStringLiteral("its name ends in other capitals than \"%1\"")
-                 .arg(QLatin1String(shape.suffix)),
+                 .arg(QLatin1String(place.suffix)),
              &list);
     else if (!why_skipped.isEmpty())
         skip(why_skipped, &list);

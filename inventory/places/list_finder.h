@@ -6,7 +6,6 @@
 #include "inventory/reading/list_account.h"
 #include "run/cancellation.h"
 
-#include <QSet>
 #include <QStringList>
 
 #include <vector>
@@ -23,49 +22,41 @@ struct found_note
     bool is_failure = false; // lists may lie there that nobody could read
 };
 
-// A folder or file of the client that a home has.
-struct found_place
-{
-    QString user;
-    list_kind kind = list_kind::bookmark;
-    QString place;
-    QString path; // as on the source
-};
-
 struct found_on_source
 {
-    std::vector<found_list> lists; // by user, then by path
-    std::vector<found_place> places;
+    std::vector<found_list> lists;      // by user, then by path
+    std::vector<searched_place> places; // that are there
     std::vector<found_note> notes;
 };
 
-// Counts how far the search has come; never more than the number of users.
 class list_finder
 {
 public:
-    // `root` ends in "/". Lists whose tab is not among `tabs` are skipped.
-    list_finder(const QString &root, const QStringList &tabs, const run::cancellation &cancelled);
+    // Nothing is read outside of `root`, which ends in "/". `shown_root` is its path on the source.
+    // Lists whose tab is not among `tabs` are skipped.
+    list_finder(const QString &root, const QString &shown_root, const QStringList &tabs,
+                const run::cancellation &cancelled);
 
-    // Looks through the homes of these users, below Users/. Ends early when cancelled.
-    [[nodiscard]] found_on_source find(const QStringList &users);
+    // Of the places of one user and kind, the first that is there is the one that rows come from.
+    // Ends early when cancelled.
+    [[nodiscard]] found_on_source find(const std::vector<searched_place> &places);
 
 private:
-    void search_home(const QString &user);
-    // Whether the home has this place.
-    bool search_place(const QString &user, const client_place &place, bool is_in_use);
-    void walk_folder(const found_place &place, const client_place &shape, const QString &real,
-                     const QString &why_skipped);
-    void take_entry(const evidence::folder_walk &walk, const found_place &place,
-                    const client_place &shape, const QString &why_skipped);
+    // Whether the place is there.
+    bool search(const searched_place &place, bool is_in_use);
+    void walk_folder(const searched_place &place, const QString &real, const QString &why_skipped);
+    void take_entry(const evidence::folder_walk &walk, const searched_place &place,
+                    const QString &why_skipped);
     void take_link(const evidence::folder_walk &walk, found_list *list);
-    void take_single_file(const found_place &place, const evidence::resolved_path &real,
+    void take_single_file(const searched_place &place, const evidence::resolved_path &real,
                           const QString &why_skipped);
     void note(const QString &user, const QString &path, const QString &text, bool is_failure,
               const QString &target = {});
     [[nodiscard]] QString on_source(const QString &path) const;
-    [[nodiscard]] QString why_not_in_tables(const client_place &place, bool is_in_use) const;
+    [[nodiscard]] QString why_not_in_tables(const searched_place &place, bool is_in_use) const;
 
     QString root_;
+    QString shown_root_;
     QStringList tabs_;
     run::cancellation cancelled_;
     evidence::source_boundary boundary_;

@@ -1,6 +1,7 @@
 #include "inventory/writing/inventory_database.h"
 
 #include "inventory/writing/inventory_schema.h"
+#include "evidence/files/file_names.h"
 #include "text/dates/iso_8601.h"
 
 #include <QFile>
@@ -47,6 +48,8 @@ struct inventory_database::statements
     sqlite_statement note;
     sqlite_statement place;
 };
+
+inventory_database::inventory_database() = default;
 
 inventory_database::~inventory_database()
 {
@@ -142,6 +145,7 @@ bool inventory_database::add_list(int source, const list_account &account)
                        .bind(kind_name(found.kind))
                        .bind(found.place)
                        .bind(found.path)
+                       .bind(evidence::decoded_name(found.real_path))
                        .bind(size)
                        .bind(text::iso_8601_utc_of_ms(times.modified_ms))
                        .bind(text::iso_8601_utc_of_ms(times.born_ms))
@@ -176,13 +180,13 @@ bool inventory_database::add_note(int source, const found_note &note)
                      .run());
 }
 
-bool inventory_database::add_place(int source, const found_place &place)
+bool inventory_database::add_place(int source, const searched_place &place)
 {
     return check(statements_->place.bind(qint64{source})
                      .bind(place.user)
                      .bind(kind_name(place.kind))
-                     .bind(place.place)
-                     .bind(place.path)
+                     .bind(place.name)
+                     .bind(place.shown)
                      .run());
 }
 

@@ -30,7 +30,7 @@ struct source_facts
 class inventory_database
 {
 public:
-    inventory_database() = default;
+    inventory_database();
     ~inventory_database();
     inventory_database(const inventory_database &) = delete;
     inventory_database &operator=(const inventory_database &) = delete;
@@ -44,7 +44,7 @@ public:
     bool add_source(const source_facts &source);
     bool add_list(int source, const list_account &account);
     bool add_note(int source, const found_note &note);
-    bool add_place(int source, const found_place &place);
+    bool add_place(int source, const searched_place &place);
 
     // Counts the rows that the result database at `path` has for each list of all sources.
     bool count_rows(const QString &path);

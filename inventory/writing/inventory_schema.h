@@ -24,6 +24,7 @@ create table list(
     kind text not null,
     place text not null,
     path text not null,
+    file text,
     size integer,
     modified text,
     created text,
@@ -61,8 +62,8 @@ create table place(
 constexpr char insert_source[] = "insert into source(id, path, layout, root, os_version, "
                                  "volume_name, volume_uuid, count_name) values(?,?,?,?,?,?,?,?)";
 constexpr char insert_list[] =
-    "insert into list(id, source, user, kind, place, path, size, modified, created, sha256, "
-    "status, reason, entries, values_whole) values(?,?,?,?,?,?,?,?,?,?,?,?,?,?)";
+    "insert into list(id, source, user, kind, place, path, file, size, modified, created, sha256, "
+    "status, reason, entries, values_whole) values(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)";
 constexpr char insert_value[] =
     "insert into value(list, item, path, class, text, bytes, sha256) values(?,?,?,?,?,?,?)";
 constexpr char insert_note[] =
