@@ -3,7 +3,9 @@
 #include "host/options/command_line.h"
 #include "host/extract_command.h"
 #include "host/scan_command.h"
+#include "host/inspect_command.h"
 #include "host/show_command.h"
+#include "host/verify_command.h"
 
 #include <QApplication>
 #include <QByteArray>
@@ -24,6 +26,8 @@ constexpr host::sub_command sub_commands[] = {
     {"extract", "run the plug-in on a source and write the result database", host::run_extract},
     {"scan", "say what a source holds and what would be read", host::run_scan},
     {"show", "print the tables of a result database", host::run_show},
+    {"verify", "check that a result and its sources are what they were", host::run_verify},
+    {"inspect", "print property lists as JSON", host::run_inspect},
 };
 
 QString general_help()
@@ -38,6 +42,7 @@ QString general_help()
                                  "  -h, --help     Show this help.\n"
                                  "  -v, --version  Show the version.\n"
                                  "\nExample:\n"
+                                 "  plugin_host scan /mnt/image\n"
                                  "  plugin_host extract /mnt/image /cases/7/results\n"
                                  "  plugin_host show /cases/7/results --tables bookmarks\n");
 }
