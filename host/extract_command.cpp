@@ -19,6 +19,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <memory>
 
 namespace host {
@@ -138,7 +139,8 @@ private:
     {
         int next = options_.source_count;
         if (next == 0)
-            next = 1 + (inventory_ ? inventory_->last_source() : 0);
+            next = 1 + std::max(inventory_ ? inventory_->last_source() : 0,
+                                highest_source(draft_->database()));
         for (run_source &source : sources_)
             source.number = next++;
     }
@@ -232,7 +234,7 @@ private:
     {
         result_.cancelled = is_cancelled();
         if (inventory_ && QFileInfo::exists(draft_->database()) &&
-            !inventory_->count_rows(draft_->database()))
+            !inventory_->count_rows(draft_->database(), sources_.front().number))
             warn(QStringLiteral("the rows cannot be compared with the inventory (%1).")
                      .arg(inventory_->problem()));
         if (inventory_ && !inventory_->close())
@@ -240,8 +242,8 @@ private:
         inventory_.reset();
         if (const auto problem = draft_->finish(result_.cancelled))
             return problem;
-        report_ = report_of(place_.database, place_.inventory, options_.tabs,
-                            options_.is_verbose ? -1 : most_lists_named);
+        report_ = report_of({place_.database, place_.inventory, options_.tabs,
+                             sources_.front().number, options_.is_verbose ? -1 : most_lists_named});
         report_.result = result_;
         report_.is_partial = result_.cancelled;
         return write_ended(place_, description(), report_);

@@ -13,8 +13,8 @@ struct list_json
     bool is_whole = true; // false where null stands for what was left out because of its cost
 };
 
-// Keys keep their order, equal ones included. Dates are ISO 8601, data base64, numbers that JSON has
-// no form for are texts, and null stands for what the list does not hold completely.
+// Keys keep their order, equal ones included. Dates are ISO 8601, data base64, numbers that JSON
+// has no form for are texts, and null stands for what the list does not hold completely.
 [[nodiscard]] list_json json_of(const formats::property_list_parser &list, qint64 list_bytes);
 
 // A text in quotes.

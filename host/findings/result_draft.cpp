@@ -207,12 +207,13 @@ std::optional<failure> result_draft::finish(bool is_partial)
         done = done && file.open(QIODevice::WriteOnly) &&
                file.write("The run was cancelled: rows are missing.\n") > 0 && file.flush();
     }
-    done = done && move(database(), place_.database);
-    // Without a new one, the old one would speak of other rows.
+    // Without a new one, the old one would speak of other rows. It goes first: a run that is killed
+    // here leaves an inventory that promises too much, not one that knows less than the tables.
     if (QFileInfo::exists(inventory()))
         done = done && move(inventory(), place_.inventory);
     else
         QFile::remove(place_.inventory);
+    done = done && move(database(), place_.database);
     if (done && !is_partial)
         QFile::remove(mark);
     if (done)

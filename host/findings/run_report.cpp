@@ -70,6 +70,8 @@ public:
     // Hands over each row. False on a failure.
     template <typename Take> bool for_each(const QString &statement, Take take) const
     {
+        if (!is_open_)
+            return false;
         QSqlQuery query(connection_);
         query.setForwardOnly(true);
         if (!query.exec(statement)) {
@@ -111,15 +113,14 @@ QString tab_of_kind(const QString &kind)
 class reporter
 {
 public:
-    reporter(QStringList tabs, qint64 most_lists)
-        : tabs_(std::move(tabs))
-        , most_lists_(most_lists)
+    explicit reporter(const report_request &request)
+        : request_(request)
     {
     }
 
-    void read_inventory(const QString &path)
+    void read_inventory()
     {
-        const read_connection inventory(path);
+        const read_connection inventory(request_.inventory);
         if (!inventory.is_open())
             return;
         has_inventory_ = true;
@@ -129,9 +130,9 @@ public:
         report_.problem = inventory.problem();
     }
 
-    void read_rows(const QString &path)
+    void read_rows()
     {
-        const read_connection database(path);
+        const read_connection database(request_.database);
         for (const timed_table &one : timed_tables) {
             const QString time = one.time_column == nullptr
                                      ? QStringLiteral("null")
@@ -142,6 +143,8 @@ public:
                                "min(%1), max(%1) from %2 group by 1, 2")
                     .arg(time, QLatin1String(one.table)),
                 [&](const QSqlQuery &row) {
+                    if (row.value(0).toInt() < request_.first_source)
+                        return;
                     tab_account &account =
                         at(row.value(0).toInt(), row.value(1).toString(), QLatin1String(one.table));
                     account.rows = row.value(2).toLongLong();
@@ -180,7 +183,8 @@ private:
         inventory.for_each(
             QStringLiteral("select source, user, kind, count(*), sum(status = 'read'), "
                            "sum(status = 'skipped'), sum(status = 'failed') from list "
-                           "group by 1, 2, 3"),
+                           "where source >= %1 group by 1, 2, 3")
+                .arg(request_.first_source),
             [&](const QSqlQuery &row) {
                 tab_account &account = at(row.value(0).toInt(), row.value(1).toString(),
                                           tab_of_kind(row.value(2).toString()));
@@ -195,13 +199,15 @@ private:
     [[nodiscard]] QString asked_for() const
     {
         QStringList kinds;
-        for (const QString &tab : tabs_) {
+        for (const QString &tab : request_.tabs) {
             const bool is_plural = tab == QLatin1String(results::bookmarks_table) ||
                                    tab == QLatin1String(results::transfers_table);
             kinds.append(QLatin1Char('\'') + (is_plural ? tab.chopped(1) : tab) +
                          QLatin1Char('\''));
         }
-        return QStringLiteral("kind in (%1)").arg(kinds.join(QLatin1Char(',')));
+        return QStringLiteral("source >= %1 and kind in (%2)")
+            .arg(request_.first_source)
+            .arg(kinds.join(QLatin1Char(',')));
     }
 
     void name_lists_without_rows(const read_connection &inventory)
@@ -220,7 +226,7 @@ private:
                            "table' end) from list where (rows is null or rows = 0 or rows_differ = "
                            "1) and %1 order by status, id limit %2")
                 .arg(asked_for())
-                .arg(most_lists_),
+                .arg(request_.most_lists),
             [&](const QSqlQuery &row) {
                 report_.without_rows.push_back(
                     {row.value(0).toString(), row.value(1).toString(), row.value(2).toString()});
@@ -231,7 +237,8 @@ private:
     {
         inventory.for_each(
             QStringLiteral("select user, place, count(*) from list where status = 'skipped' and "
-                           "reason like 'the older folder exists%' group by 1, 2"),
+                           "reason like 'the older folder exists_%' and source >= %1 group by 1, 2")
+                .arg(request_.first_source),
             [&](const QSqlQuery &row) {
                 report_.hints.append(QStringLiteral("%1: %2 lists in the %3 are not in the tables")
                                          .arg(row.value(0).toString())
@@ -239,8 +246,10 @@ private:
                                          .arg(row.value(1).toString()));
             });
         inventory.for_each(
-            QStringLiteral("select path, text, target from note where failure = 1 limit %1")
-                .arg(most_lists_),
+            QStringLiteral("select path, text, target from note where failure = 1 and source >= %2 "
+                           "limit %1")
+                .arg(request_.most_lists)
+                .arg(request_.first_source),
             [&](const QSqlQuery &row) {
                 const QString target = row.value(2).toString();
                 report_.hints.append(
@@ -248,11 +257,13 @@ private:
                     (target.isEmpty() ? QString() : QStringLiteral(", to ") + target));
             });
         inventory.for_each(
-            QStringLiteral("select count(*) from note where failure = 1"),
+            QStringLiteral("select count(*) from note where failure = 1 and source >= %1")
+                .arg(request_.first_source),
             [&](const QSqlQuery &row) { report_.incomplete_lists += row.value(0).toLongLong(); });
         inventory.for_each(
             QStringLiteral("select path from source where layout in ('users-folder', 'home', "
-                           "'client-folder', 'list-file') order by id"),
+                           "'client-folder', 'list-file') and id >= %1 order by id")
+                .arg(request_.first_source),
             [&](const QSqlQuery &row) {
                 report_.hints.append(
                     QStringLiteral("%1: local copies were not collected, so none is "
@@ -261,8 +272,7 @@ private:
             });
     }
 
-    QStringList tabs_;
-    qint64 most_lists_;
+    const report_request &request_;
     bool has_inventory_ = false;
     std::map<account_key, tab_account> accounts_;
     run_report report_;
@@ -366,13 +376,25 @@ QJsonArray earlier_runs(const QString &path)
 
 } // namespace
 
-run_report report_of(const QString &database, const QString &inventory, const QStringList &tabs,
-                     qint64 most_lists)
+run_report report_of(const report_request &request)
 {
-    reporter reading(tabs, most_lists);
-    reading.read_inventory(inventory);
-    reading.read_rows(database);
+    reporter reading(request);
+    reading.read_inventory();
+    reading.read_rows();
     return reading.take();
+}
+
+int highest_source(const QString &path)
+{
+    const read_connection database(path);
+    int highest = 0;
+    for (const timed_table &one : timed_tables) {
+        database.for_each(
+            QStringLiteral("select max(cast(substr(source_count_name, 7) as integer)) from %1")
+                .arg(QLatin1String(one.table)),
+            [&](const QSqlQuery &row) { highest = std::max(highest, row.value(0).toInt()); });
+    }
+    return highest;
 }
 
 std::optional<failure> write_running(const result_place &place, const described_run &run)

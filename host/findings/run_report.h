@@ -54,9 +54,20 @@ struct run_report
     QString problem; // why the databases could not be read; empty: they were
 };
 
-// Reads both databases. At most `most_lists` lists are named.
-[[nodiscard]] run_report report_of(const QString &database, const QString &inventory,
-                                   const QStringList &tabs, qint64 most_lists);
+struct report_request
+{
+    QString database;
+    QString inventory;
+    QStringList tabs;
+    int first_source = 1;   // those before were of an earlier run
+    qint64 most_lists = -1; // that are named; negative: all
+};
+
+// Reads both databases.
+[[nodiscard]] run_report report_of(const report_request &request);
+
+// The highest number of a source in a result database; 0 without any.
+[[nodiscard]] int highest_source(const QString &database);
 
 struct described_run
 {

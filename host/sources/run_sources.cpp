@@ -152,6 +152,12 @@ QStringList indented(const QStringList &lines)
 run_source as_it_is(const QString &path, const QList<account> &accounts)
 {
     run_source source;
+    inventory::recognition found = inventory::recognise(path, QStringLiteral("volume"), {});
+    if (!found.sources.empty() && accounts.isEmpty()) {
+        source.layout = std::move(found.sources.front());
+        take_accounts({}, &source);
+        return source;
+    }
     source.layout.path = path;
     source.layout.layout = QStringLiteral("as it is");
     source.layout.root = path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/');
@@ -177,6 +183,11 @@ source_search find_sources(const extract_options &options, const run::cancellati
             continue;
         }
         inventory::recognition found = inventory::recognise(path, options.layout, cancelled);
+        if (found.sources.empty() && found.tried.isEmpty()) {
+            search.problem = unusable(
+                QStringLiteral("the source %1 is a file, but no list of the client.").arg(typed));
+            return search;
+        }
         if (found.sources.empty()) {
             search.problem = unusable(
                 QStringLiteral("nothing of the client was found at %1, and it is of no known "

@@ -4,6 +4,7 @@
 #include "evidence/folders/folder_listing.h"
 #include "evidence/folders/source_boundary.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -386,10 +387,8 @@ bool add_named_home(const QString &user, recognised_source *volume)
 recognition recognise(const QString &path, const QString &layout,
                       const run::cancellation &cancelled)
 {
-    evidence::held_file given;
-    if (!given.hold_named_by_host(evidence::encoded_name(path)))
-        return {};
-    if (!given.is_folder())
+    // A link to it is the host's own.
+    if (!QFileInfo(path).isDir())
         return recognise_file(path);
     const examined_folder folder(path, cancelled);
     recognition result;

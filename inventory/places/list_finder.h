@@ -3,7 +3,7 @@
 
 #include "evidence/folders/folder_walk.h"
 #include "evidence/folders/source_boundary.h"
-#include "inventory/reading/list_account.h"
+#include "inventory/places/found_list.h"
 #include "run/cancellation.h"
 
 #include <QStringList>

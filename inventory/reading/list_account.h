@@ -2,7 +2,7 @@
 #pragma once
 
 #include "evidence/access/file_status.h"
-#include "inventory/places/client_places.h"
+#include "inventory/places/found_list.h"
 
 #include <QByteArray>
 #include <QString>
@@ -11,36 +11,6 @@
 #include <vector>
 
 namespace inventory {
-
-enum class list_status { read, skipped, failed };
-
-// "read", "skipped", "failed".
-[[nodiscard]] inline QString status_name(list_status status)
-{
-    switch (status) {
-    case list_status::read:
-        return QStringLiteral("read");
-    case list_status::skipped:
-        return QStringLiteral("skipped");
-    case list_status::failed:
-        break;
-    }
-    return QStringLiteral("failed");
-}
-
-// A list that was found on the source.
-struct found_list
-{
-    QString user;
-    list_kind kind = list_kind::bookmark;
-    QString place; // name of the place
-    QString path;  // as on the source, with a leading "/"
-    // Reachable here, free of links, encoded; empty when it must not be opened.
-    QByteArray real_path;
-    // What is known before it is read. `read`: no reason against it.
-    list_status status = list_status::read;
-    QString reason;
-};
 
 struct stored_value
 {

@@ -16,27 +16,31 @@ namespace {
 constexpr char for_speed[] = "pragma journal_mode = off; pragma synchronous = off; "
                              "pragma locking_mode = exclusive; pragma cache_size = -8192;";
 
-// The list's rows by source and file. A cancelled run may have none of them.
-constexpr char count_all_rows[] = R"(
-create temp table counted(kind text, count_name text, path text, rows integer);
-insert into counted
-    select 'bookmark', source_count_name, source_file, count(*) from result.bookmarks group by 2, 3
-    union all
-    select 'history', source_count_name, source_file, count(*) from result.history group by 2, 3
-    union all
-    select 'transfer', source_count_name, source_file, count(*) from result.transfers group by 2, 3
-    union all
-    select 'preferences', source_count_name, source_file, count(*) from result.preferences
-        group by 2, 3;
-create index temp.counted_by_path on counted(path, kind, count_name);
-update list set rows = coalesce((select c.rows from counted c join source s on s.id = list.source
-    where c.path = list.path and c.kind = list.kind and c.count_name is s.count_name), 0);
-update list set rows_differ = case
-    when status = 'read' and entries is not null then rows <> entries
-    when status = 'read' then null
-    else rows > 0 end;
-drop table counted;
-)";
+struct counted_table
+{
+    list_kind kind;
+    const char *name;
+};
+constexpr counted_table counted_tables[] = {{list_kind::bookmark, "bookmarks"},
+                                            {list_kind::history, "history"},
+                                            {list_kind::transfer, "transfers"},
+                                            {list_kind::preferences, "preferences"}};
+
+// A row tells its list by the list's path. Of a source that is a home, that is in another column.
+constexpr char count_one_table[] =
+    "insert into counted select '%1', source_count_name, "
+    "coalesce(nullif(artifacts_relation_source_file, ''), source_file), count(*) "
+    "from result.%2 group by 2, 3";
+
+// Of the sources from ?1 on. A kind whose table was not counted keeps NULL.
+constexpr char take_counts[] =
+    "update list set rows = coalesce((select c.rows from counted c join source s "
+    "on s.id = list.source where c.path = list.path and c.kind = list.kind "
+    "and c.count_name is s.count_name), 0) where source >= ?1 and kind = ?2";
+constexpr char compare_counts[] =
+    "update list set rows_differ = case when rows is null then null "
+    "when status = 'read' and entries is not null then rows <> entries "
+    "when status = 'read' then null else rows > 0 end where source >= ?1";
 
 } // namespace
 
@@ -190,15 +194,40 @@ bool inventory_database::add_place(int source, const searched_place &place)
                      .run());
 }
 
-bool inventory_database::count_rows(const QString &path)
+bool inventory_database::count_rows(const QString &path, int first_source)
 {
     // Nothing may be attached inside a transaction.
-    sqlite_statement attach;
-    if (!execute("commit") || !check(attach.prepare(database_, "attach ? as result")) ||
-        !check(attach.bind(path).run()))
+    if (!execute("commit") || !run_once("attach ? as result", path))
         return false;
-    const bool is_done = execute("begin") && execute(count_all_rows) && execute("commit");
-    return execute("detach result") && execute("begin") && is_done;
+    bool is_done = execute("begin") &&
+                   execute("create temp table counted(kind text, count_name text, path text, "
+                           "rows integer)");
+    QStringList counted;
+    for (const counted_table &table : counted_tables) {
+        const QByteArray statement = QString::fromLatin1(count_one_table)
+                                         .arg(kind_name(table.kind), QLatin1String(table.name))
+                                         .toUtf8();
+        // A plug-in of another make may have no such table or columns.
+        if (sqlite3_exec(database_, statement.constData(), nullptr, nullptr, nullptr) == SQLITE_OK)
+            counted.append(kind_name(table.kind));
+    }
+    is_done = is_done && execute("create index temp.counted_by_path on counted(path, kind)");
+    for (const QString &kind : qAsConst(counted)) {
+        sqlite_statement take;
+        is_done = is_done && check(take.prepare(database_, take_counts) &&
+                                   take.bind(qint64{first_source}).bind(kind).run());
+    }
+    sqlite_statement compare;
+    is_done = is_done && check(compare.prepare(database_, compare_counts) &&
+                               compare.bind(qint64{first_source}).run());
+    is_done = is_done && execute("drop table counted");
+    return execute("commit") && execute("detach result") && execute("begin") && is_done;
+}
+
+bool inventory_database::run_once(const char *text, const QString &parameter)
+{
+    sqlite_statement statement;
+    return check(statement.prepare(database_, text) && statement.bind(parameter).run());
 }
 
 bool inventory_database::close()

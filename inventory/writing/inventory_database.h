@@ -46,14 +46,16 @@ public:
     bool add_note(int source, const found_note &note);
     bool add_place(int source, const searched_place &place);
 
-    // Counts the rows that the result database at `path` has for each list of all sources.
-    bool count_rows(const QString &path);
+    // Counts the rows that the result database at `path` has for each list of the sources from
+    // `first_source` on.
+    bool count_rows(const QString &path, int first_source);
     // Ends the writing. False when something of it failed.
     bool close();
     [[nodiscard]] const QString &problem() const { return problem_; }
 
 private:
     bool execute(const char *text);
+    bool run_once(const char *text, const QString &parameter);
     bool prepare();
     bool check(bool is_done);
     [[nodiscard]] std::optional<qint64> number_of(const char *query);
