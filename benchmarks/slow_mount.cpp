@@ -2,7 +2,9 @@
 // mounted by a program, or for a share on a network. Tells how many requests of each kind came once
 // it is unmounted.
 //
-//   slow_mount FOLDER MOUNT_POINT MICROSECONDS
+//   slow_mount FOLDER MOUNT_POINT MICROSECONDS [keep]
+//
+// With "keep" the system keeps what it was told, and opens files without asking.
 #define FUSE_USE_VERSION 31
 #include <fuse3/fuse.h>
 
@@ -17,6 +19,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <mutex>
 #include <string>
 #include <thread>
 
@@ -24,11 +27,15 @@ namespace {
 
 std::string shown_folder;
 std::chrono::microseconds delay(0);
-std::map<std::string, long> requests; // one thread serves them all
+std::mutex requests_mutex;
+std::map<std::string, long> requests;
 
 std::string waited_for(const char *kind, const char *path)
 {
-    ++requests[kind];
+    {
+        const std::lock_guard<std::mutex> lock(requests_mutex);
+        ++requests[kind];
+    }
     std::this_thread::sleep_for(delay);
     return shown_folder + path;
 }
@@ -75,8 +82,9 @@ int release_file(const char *, fuse_file_info *file)
 }
 
 int list_folder(const char *path, void *listing, fuse_fill_dir_t add, off_t, fuse_file_info *,
-                fuse_readdir_flags)
+                fuse_readdir_flags flags)
 {
+    const bool with_status = (flags & FUSE_READDIR_PLUS) != 0;
     DIR *folder = ::opendir(waited_for("list", path).c_str());
     if (folder == nullptr)
         return -errno;
@@ -84,7 +92,10 @@ int list_folder(const char *path, void *listing, fuse_fill_dir_t add, off_t, fus
         struct stat status = {};
         status.st_ino = entry->d_ino;
         status.st_mode = DTTOIF(entry->d_type);
-        if (add(listing, entry->d_name, &status, 0, fuse_fill_dir_flags(0)) != 0)
+        const bool is_whole = with_status && ::fstatat(::dirfd(folder), entry->d_name, &status,
+                                                       AT_SYMLINK_NOFOLLOW) == 0;
+        if (add(listing, entry->d_name, &status, 0,
+                is_whole ? FUSE_FILL_DIR_PLUS : fuse_fill_dir_flags(0)) != 0)
             break;
     }
     ::closedir(folder);
@@ -101,12 +112,39 @@ int list_attributes(const char *path, char *names, size_t size)
     return answer(::llistxattr(waited_for("attributes", path).c_str(), names, size));
 }
 
+// The system may keep what it has read, as for an image, whose content does not change.
+void *keep_in_cache(fuse_conn_info *connection, fuse_config *config)
+{
+    // A listing says what its entries are.
+    connection->want &= ~unsigned(FUSE_CAP_READDIRPLUS_AUTO);
+    constexpr double long_enough_s = 3600;
+    config->kernel_cache = 1;
+    config->entry_timeout = long_enough_s;
+    config->attr_timeout = long_enough_s;
+    return nullptr;
+}
+
+// From then on the system does not ask at all when a file is opened.
+int need_not_open(const char *, fuse_file_info *)
+{
+    return -ENOSYS;
+}
+
+int open_and_read(const char *path, char *bytes, size_t size, off_t from, fuse_file_info *)
+{
+    const int opened = ::open(waited_for("read", path).c_str(), O_RDONLY | O_CLOEXEC);
+    const int result = answer(opened < 0 ? -1 : ::pread(opened, bytes, size, from));
+    if (opened >= 0)
+        ::close(opened);
+    return result;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    if (argc != 4) {
-        std::fprintf(stderr, "usage: slow_mount FOLDER MOUNT_POINT MICROSECONDS\n");
+    if (argc != 4 && argc != 5) {
+        std::fprintf(stderr, "usage: slow_mount FOLDER MOUNT_POINT MICROSECONDS [keep]\n");
         return 2;
     }
     shown_folder = argv[1];
@@ -120,11 +158,16 @@ int main(int argc, char **argv)
     operations.readdir = list_folder;
     operations.getxattr = get_attribute;
     operations.listxattr = list_attributes;
+    if (argc == 5) {
+        operations.init = keep_in_cache;
+        operations.open = need_not_open;
+        operations.read = open_and_read;
+        operations.release = nullptr;
+    }
     char foreground[] = "-f";
-    char one_thread[] = "-s";
     char read_only[] = "-oro";
-    char *arguments[] = {argv[0], foreground, one_thread, read_only, argv[2], nullptr};
-    const int status = fuse_main(5, arguments, &operations, nullptr);
+    char *arguments[] = {argv[0], foreground, read_only, argv[2], nullptr};
+    const int status = fuse_main(4, arguments, &operations, nullptr);
     for (const auto &[kind, count] : requests)
         std::printf("%s %ld\n", kind.c_str(), count);
     return status;

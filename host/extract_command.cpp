@@ -111,9 +111,11 @@ private:
         for (size_t i = 0; i < sources_.size() && !problem; ++i)
             problem = make_view_of(i);
         if (!problem)
-            problem = take_inventories();
-        for (size_t i = 0; i < sources_.size() && !problem && !is_cancelled(); ++i)
+            begin_inventory();
+        for (size_t i = 0; i < sources_.size() && !problem && !is_cancelled(); ++i) {
+            wait_until_read(i);
             problem = run_plugin(i);
+        }
         return problem ? problem : close();
     }
 
@@ -161,12 +163,11 @@ private:
         return views_[index].problem;
     }
 
-    // Before the plug-in runs, which then finds the lists in the system's cache.
-    std::optional<failure> take_inventories()
+    void begin_inventory()
     {
         if (!inventory_)
-            return std::nullopt;
-        progress_display display(options_.progress, {QStringLiteral("reading lists")});
+            return;
+        std::vector<inventory::inventory_request> requests;
         for (const run_source &source : sources_) {
             inventory::inventory_request request;
             request.source = inventory::facts_of_source(source.layout.root);
@@ -175,17 +176,22 @@ private:
             request.source.layout = source.layout.layout;
             request.source.count_name = QStringLiteral("Source%1").arg(source.number);
             request.found = &source.found;
-            request.jobs = options_.jobs;
-            request.cancelled = stop_.cancellation();
-            request.progress = [&](qint64 done, qint64) { display.update(done, 0); };
-            const inventory::inventory_result taken =
-                inventory::take_inventory(request, inventory_.get());
-            expected_records_.push_back(taken.promised_rows);
-            if (!taken.is_whole && !stop_.is_requested())
-                return inventory_failure();
+            requests.push_back(std::move(request));
         }
+        taking_ = std::make_unique<inventory::source_inventory>(
+            std::move(requests), options_.jobs, stop_.cancellation(), inventory_.get());
+    }
+
+    // The plug-in then finds the lists in the system's cache.
+    void wait_until_read(size_t index) const
+    {
+        if (!taking_)
+            return;
+        progress_display display(options_.progress, {QStringLiteral("reading lists")},
+                                 qint64(sources_[index].found.lists.size()));
+        while (!taking_->wait_until_read(index))
+            display.update(taking_->progress(index).read, 0);
         display.finish();
-        return std::nullopt;
     }
 
     std::optional<failure> run_plugin(size_t index)
@@ -208,8 +214,8 @@ private:
         job.keeps_rows = options_.append || index > 0;
         job.result_directory = draft_->directory();
         job.own_log = draft_->log();
-        if (index < expected_records_.size())
-            job.expected_records = expected_records_[index];
+        if (taking_)
+            job.expected_records = taking_->progress(index).promised_rows;
         const QString log = options_.debug_log.isEmpty() ? draft_->log() : options_.debug_log;
         const qint64 logged_before = QFileInfo(log).size();
         const run_result ended = run_extraction(*plugin_, options_, job, &stop_);
@@ -233,6 +239,9 @@ private:
     std::optional<failure> close()
     {
         result_.cancelled = is_cancelled();
+        if (taking_ && !taking_->finish() && !result_.cancelled)
+            return inventory_failure();
+        taking_.reset();
         if (inventory_ && QFileInfo::exists(draft_->database()) &&
             !inventory_->count_rows(draft_->database(), sources_.front().number))
             warn(QStringLiteral("the rows cannot be compared with the inventory (%1).")
@@ -278,12 +287,12 @@ private:
     run_stop stop_;
     std::vector<run_source> sources_;
     std::vector<source_view> views_;
-    std::vector<qint64> expected_records_;
     QStringList details_;
     std::unique_ptr<cyberduck> plugin_;
     result_place place_;
     std::unique_ptr<result_draft> draft_;
     std::unique_ptr<inventory::inventory_database> inventory_;
+    std::unique_ptr<inventory::source_inventory> taking_; // dies before its database
     run_result result_;
     run_failures failures_;
     run_report report_;

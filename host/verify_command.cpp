@@ -1,15 +1,14 @@
 #include "host/verify_command.h"
 
-#include "evidence/files/evidence_file.h"
 #include "evidence/files/file_names.h"
 #include "host/findings/result_reader.h"
 #include "host/options/command_line.h"
 #include "inventory/layouts/source_layout.h"
 #include "inventory/places/list_finder.h"
+#include "inventory/reading/sha256.h"
 #include "results/database/result_tables.h"
 
 #include <QCommandLineParser>
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -26,28 +25,6 @@ constexpr help_text help = {
     "  plugin_host verify /cases/7/results\n\n"
     "Exit status: 0 nothing has changed, 1 something has, or the run was partial (standard output\n"
     "names it), 2 wrong usage, 4 no result that can be read."};
-
-// Null when the file is not there or cannot be read.
-QString hash_of(const QString &path)
-{
-    constexpr qint64 block_bytes = 1 << 20;
-    evidence::held_file held;
-    evidence::evidence_file file;
-    if (!held.hold_named_by_host(evidence::encoded_name(path)) ||
-        !file.open(std::make_shared<evidence::held_file>(std::move(held))))
-        return {};
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    QByteArray block(block_bytes, Qt::Uninitialized);
-    for (qint64 offset = 0;;) {
-        const qint64 count = file.read_at(offset, block.data(), block.size());
-        if (count < 0)
-            return {};
-        if (count == 0)
-            return QString::fromLatin1(hash.result().toHex());
-        hash.addData(block.constData(), static_cast<int>(count));
-        offset += count;
-    }
-}
 
 class verification
 {
@@ -86,8 +63,8 @@ private:
     void compare(const QString &path, const QString &hash)
     {
         ++compared_;
-        const QString now = hash_of(path);
-        if (now.isNull())
+        const QString now = QString::fromLatin1(inventory::sha256_of_file(path));
+        if (now.isEmpty())
             tell("missing", path);
         else if (now != hash)
             tell("changed", path);

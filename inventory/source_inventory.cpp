@@ -4,7 +4,9 @@
 #include "evidence/files/file_names.h"
 #include "evidence/folders/folder_listing.h"
 #include "formats/property_list/property_list_parser.h"
-#include "inventory/reading/reader_pool.h"
+
+#include <chrono>
+#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -48,25 +50,6 @@ QString volume_name(const evidence::source_boundary &boundary, const QString &ro
     return {};
 }
 
-void count(const list_account &account, inventory_result *result)
-{
-    list_counts &counts = result->counts[{account.list.user, account.list.kind}];
-    ++counts.found;
-    if (account.list.status == list_status::read)
-        result->promised_rows += account.entries.value_or(0);
-    switch (account.list.status) {
-    case list_status::read:
-        ++counts.read;
-        break;
-    case list_status::skipped:
-        ++counts.skipped;
-        break;
-    case list_status::failed:
-        ++counts.failed;
-        break;
-    }
-}
-
 } // namespace
 
 source_facts facts_of_source(const QString &root)
@@ -79,26 +62,63 @@ source_facts facts_of_source(const QString &root)
     return facts;
 }
 
-inventory_result take_inventory(const inventory_request &request, inventory_database *database)
+source_inventory::source_inventory(std::vector<inventory_request> requests, int jobs,
+                                   const run::cancellation &cancelled, inventory_database *database)
+    : requests_(std::move(requests))
+    , jobs_(jobs)
+    , cancelled_(cancelled)
+    , database_(database)
 {
-    inventory_result result;
+    for (size_t i = 0; i < requests_.size(); ++i)
+        progress_.push_back(std::make_unique<reading_progress>());
+    thread_ = std::thread([this] { take_all(); });
+}
+
+source_inventory::~source_inventory()
+{
+    static_cast<void>(finish());
+}
+
+void source_inventory::take_all()
+{
+    for (size_t i = 0; i < requests_.size() && is_whole_; ++i)
+        is_whole_ = take(requests_[i], progress_[i].get());
+    has_ended_ = true;
+}
+
+bool source_inventory::take(const inventory_request &request, reading_progress *progress)
+{
     const int source = request.source.number;
-    bool is_written = database->add_source(request.source);
-    const found_on_source &found = *request.found;
-    for (const searched_place &place : found.places)
-        is_written = is_written && database->add_place(source, place);
-    for (const found_note &note : found.notes)
-        is_written = is_written && database->add_note(source, note);
-    qint64 done = 0;
-    const auto take = [&](const list_account &account) {
-        is_written = is_written && database->add_list(source, account);
-        count(account, &result);
-        if (request.progress)
-            request.progress(++done, qint64(found.lists.size()));
+    bool is_written = database_->add_source(request.source);
+    for (const searched_place &place : request.found->places)
+        is_written = is_written && database_->add_place(source, place);
+    for (const found_note &note : request.found->notes)
+        is_written = is_written && database_->add_note(source, note);
+    const auto write = [&](const list_account &account) {
+        is_written = is_written && database_->add_list(source, account);
     };
-    const bool is_read = read_lists(found.lists, request.jobs, request.cancelled, take);
-    result.is_whole = is_written && is_read && !request.cancelled.is_requested();
-    return result;
+    const bool is_read = read_lists(request.found->lists, jobs_, cancelled_, progress, write);
+    return is_written && is_read;
+}
+
+bool source_inventory::wait_until_read(size_t source)
+{
+    constexpr std::chrono::milliseconds moment{1};
+    const auto is_read = [&] {
+        return has_ended_ ||
+               progress_[source]->read >= qint64(requests_[source].found->lists.size());
+    };
+    if (is_read())
+        return true;
+    std::this_thread::sleep_for(moment);
+    return is_read();
+}
+
+bool source_inventory::finish()
+{
+    if (thread_.joinable())
+        thread_.join();
+    return is_whole_ && !cancelled_.is_requested();
 }
 
 } // namespace inventory

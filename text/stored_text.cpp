@@ -32,6 +32,11 @@ QString whole_characters(const QString &text)
     return whole;
 }
 
+QByteArray stored_utf8(const QString &text)
+{
+    return text.isNull() ? QByteArray() : whole_characters(text).toUtf8();
+}
+
 QString text_for_query(const QString &text)
 {
     const QString whole = whole_characters(text);

@@ -1,11 +1,11 @@
 #include "host/findings/run_report.h"
 
+#include "inventory/reading/sha256.h"
 #include "log/visible_text.h"
 #include "results/database/result_tables.h"
 #include "text/dates/iso_8601.h"
 
 #include <QCoreApplication>
-#include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -285,11 +285,8 @@ QString utc_text(const QDateTime &time)
 
 QJsonValue hash_of(const QString &path)
 {
-    QFile file(path);
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    if (path.isEmpty() || !file.open(QIODevice::ReadOnly) || !hash.addData(&file))
-        return QJsonValue::Null;
-    return QString::fromLatin1(hash.result().toHex());
+    const QByteArray digits = inventory::sha256_of_file(path);
+    return digits.isEmpty() ? QJsonValue() : QJsonValue(QString::fromLatin1(digits));
 }
 
 QString host_name()

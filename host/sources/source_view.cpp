@@ -4,8 +4,8 @@
 #include "evidence/files/evidence_file.h"
 #include "evidence/files/file_names.h"
 #include "formats/property_list/base/property_list_limits.h"
+#include "inventory/reading/sha256.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -49,7 +49,7 @@ copying copy_list(const QByteArray &from, const QString &to, QByteArray *sha256)
         return copying::unwritable;
     if (status)
         keep_times(target.handle(), *status);
-    *sha256 = QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
+    *sha256 = inventory::sha256_of(bytes);
     return copying::done;
 }
 

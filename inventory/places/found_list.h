@@ -32,6 +32,7 @@ struct found_list
     QString path;  // as on the source, with a leading "/"
     // Reachable here, free of links, encoded; empty when it must not be opened.
     QByteArray real_path;
+    bool is_listed_file = false; // its folder's listing gave it as a regular file
     // What is known before it is read. `read`: no reason against it.
     list_status status = list_status::read;
     QString reason;

@@ -175,6 +175,7 @@ void list_finder::take_entry(const folder_walk &walk, const searched_place &plac
         take_link(walk, &list);
     else
         list.real_path = walk.encoded_real_path();
+    list.is_listed_file = walk.kind() == folder_walk::entry_kind::file;
     if (walk.kind() == folder_walk::entry_kind::special)
         skip(QStringLiteral("it is neither a file nor a folder"), &list);
     else if (walk.is_hidden())

@@ -14,11 +14,11 @@ namespace inventory {
 
 struct stored_value
 {
-    int item = -1; // of a queue, from 0; -1: of the list as a whole
-    QString path;  // of keys and indexes, with "/" between them
+    int item = -1;   // of a queue, from 0; -1: of the list as a whole
+    QByteArray path; // of keys and indexes, with "/" between them; UTF-8
     const char *value_class = "";
-    // As stored; null when there is nothing to show. Data are hexadecimal digits.
-    QString text;
+    // As stored, UTF-8; null when there is nothing to show. Data are hexadecimal digits.
+    QByteArray text;
     // Of data only: length, and SHA-256 where the digits leave something out.
     std::optional<qint64> bytes;
     QByteArray sha256;

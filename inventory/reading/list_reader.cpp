@@ -3,8 +3,9 @@
 #include "evidence/files/evidence_file.h"
 #include "formats/property_list/base/property_list_limits.h"
 #include "inventory/reading/list_values.h"
+#include "inventory/reading/sha256.h"
 
-#include <QCryptographicHash>
+#include <fcntl.h>
 
 #include <cerrno>
 #include <cstring>
@@ -72,7 +73,10 @@ list_account list_reader::read(const found_list &found)
         return account;
     try {
         evidence::evidence_file file;
-        if (!file.open(found.real_path)) {
+        const bool is_open = found.is_listed_file
+                                 ? file.open_listed(AT_FDCWD, found.real_path.constData())
+                                 : file.open(found.real_path);
+        if (!is_open) {
             fail(reason_of_error(errno), &account);
             account.file = evidence::status_of(-1, found.real_path.constData());
             return account;
@@ -95,7 +99,7 @@ void list_reader::read_content(const evidence::evidence_file &file, list_account
     QByteArray bytes;
     if (!file.read_all(&bytes, formats::max_list_bytes))
         return fail(QStringLiteral("it cannot be read to its end"), account);
-    account->sha256 = QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
+    account->sha256 = sha256_of(bytes);
     if (bytes.isEmpty())
         return fail(QStringLiteral("it is empty"), account);
     take_apart(bytes, account);

@@ -1,8 +1,7 @@
 #include "inventory/reading/list_values.h"
 
+#include "inventory/reading/sha256.h"
 #include "text/stored_text.h"
-
-#include <QCryptographicHash>
 
 namespace inventory {
 
@@ -39,12 +38,12 @@ const char *class_of(value_kind kind)
 }
 
 // A "/" in a key is no border between keys.
-QString path_part(QString key)
+QByteArray path_part(const QString &key)
 {
-    if (key.contains(QLatin1Char('\\')) || key.contains(QLatin1Char('/')))
-        key.replace(QLatin1Char('\\'), QLatin1String("\\\\"))
-            .replace(QLatin1Char('/'), QLatin1String("\\/"));
-    return key;
+    QByteArray part = text::stored_utf8(key);
+    if (part.contains('\\') || part.contains('/'))
+        part.replace('\\', "\\\\").replace('/', "\\/");
+    return part;
 }
 
 class collector
@@ -60,16 +59,16 @@ public:
 
     bool run()
     {
-        take_inside(list_.root_node(), QString(), 0);
+        take_inside(list_.root_node(), QByteArray(), 0);
         return is_whole_ && !list_.root().has_left_out() && !list_.root().take_cut_text();
     }
 
 private:
     // The values inside of a container at `path`.
-    void take_inside(property_list_node node, const QString &path, int level)
+    void take_inside(property_list_node node, const QByteArray &path, int level)
     {
         const property_list_value container = list_.at(node);
-        const QString prefix = path.isEmpty() ? path : path + QLatin1Char('/');
+        const QByteArray prefix = path.isEmpty() ? path : path + '/';
         if (container.is(value_kind::dictionary)) {
             list_.contents()->visit_entries(
                 node, [&](const QString &key, property_list_node value) {
@@ -80,21 +79,21 @@ private:
         }
     }
 
-    void take_elements(const property_list_value &array, const QString &prefix, int level)
+    void take_elements(const property_list_value &array, const QByteArray &prefix, int level)
     {
-        const bool is_queue = level == 1 && prefix == QLatin1String("Items/");
+        const bool is_queue = level == 1 && prefix == "Items/";
         const int count = array.count();
         for (int i = 0; i < count && is_whole_; ++i) {
             if (is_queue)
                 item_ = i;
             const property_list_value element = array.at(i);
-            take(element, element.node(), prefix + QString::number(i), level);
+            take(element, element.node(), prefix + QByteArray::number(i), level);
         }
         if (is_queue)
             item_ = -1;
     }
 
-    bool take(const property_list_value &value, property_list_node node, const QString &path,
+    bool take(const property_list_value &value, property_list_node node, const QByteArray &path,
               int level)
     {
         stored_value stored;
@@ -107,11 +106,11 @@ private:
         if (kind == value_kind::data)
             take_data(node, &stored);
         else if (kind == value_kind::text)
-            stored.text = value.text();
+            stored.text = text::stored_utf8(value.text());
         else if (kind == value_kind::array || kind == value_kind::dictionary)
-            stored.text = QString::number(value.count());
+            stored.text = QByteArray::number(value.count());
         else if (kind != value_kind::absent)
-            stored.text = list_.contents()->literal(node);
+            stored.text = text::stored_utf8(list_.contents()->literal(node));
         if (!charge(stored.text.size()))
             return leave_out();
         values_->push_back(std::move(stored));
@@ -124,14 +123,14 @@ private:
     {
         const QByteArray data = list_.contents()->data(node);
         stored->bytes = data.size();
-        stored->text = QString::fromLatin1(data.left(shown_data_bytes).toHex());
+        stored->text = data.left(shown_data_bytes).toHex();
         if (data.size() > shown_data_bytes)
-            stored->sha256 = QCryptographicHash::hash(data, QCryptographicHash::Sha256).toHex();
+            stored->sha256 = sha256_of(data);
     }
 
-    bool charge(qint64 text_units)
+    bool charge(qint64 text_bytes)
     {
-        limits_.text_bytes -= text_units;
+        limits_.text_bytes -= text_bytes;
         return qint64(values_->size()) < limits_.count && limits_.text_bytes >= 0;
     }
 

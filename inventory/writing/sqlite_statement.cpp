@@ -19,37 +19,34 @@ bool sqlite_statement::prepare(sqlite3 *database, const char *text)
 
 sqlite_statement &sqlite_statement::bind(const QString &text)
 {
-    if (text.isNull()) {
-        ++next_; // unbound is NULL
-        return *this;
-    }
-    const QByteArray utf8 = text::whole_characters(text).toUtf8();
-    const int result =
-        sqlite3_bind_text(statement_, next_++, utf8.constData(), utf8.size(), SQLITE_TRANSIENT);
-    is_bound_ = is_bound_ && result == SQLITE_OK;
-    return *this;
+    const QByteArray utf8 = text::stored_utf8(text);
+    const int result = utf8.isNull() ? SQLITE_OK
+                                     : sqlite3_bind_text(statement_, next_, utf8.constData(),
+                                                         utf8.size(), SQLITE_TRANSIENT);
+    return bound(result);
 }
 
-sqlite_statement &sqlite_statement::bind_ascii(const QByteArray &text)
+sqlite_statement &sqlite_statement::bind_utf8(const QByteArray &text)
 {
-    const int result = text.isEmpty() ? SQLITE_OK
-                                      : sqlite3_bind_text(statement_, next_, text.constData(),
-                                                          text.size(), SQLITE_TRANSIENT);
-    ++next_;
-    is_bound_ = is_bound_ && result == SQLITE_OK;
-    return *this;
+    const int result = text.isNull() ? SQLITE_OK
+                                     : sqlite3_bind_text(statement_, next_, text.constData(),
+                                                         text.size(), SQLITE_STATIC);
+    return bound(result);
 }
 
 sqlite_statement &sqlite_statement::bind_constant(const char *text)
 {
-    const int result = sqlite3_bind_text(statement_, next_++, text, -1, SQLITE_STATIC);
-    is_bound_ = is_bound_ && result == SQLITE_OK;
-    return *this;
+    return bound(sqlite3_bind_text(statement_, next_, text, -1, SQLITE_STATIC));
 }
 
 sqlite_statement &sqlite_statement::bind(const std::optional<qint64> &number)
 {
-    const int result = number ? sqlite3_bind_int64(statement_, next_, *number) : SQLITE_OK;
+    return bound(number ? sqlite3_bind_int64(statement_, next_, *number) : SQLITE_OK);
+}
+
+// What is not bound is NULL.
+sqlite_statement &sqlite_statement::bound(int result)
+{
     ++next_;
     is_bound_ = is_bound_ && result == SQLITE_OK;
     return *this;

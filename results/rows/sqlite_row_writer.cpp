@@ -110,7 +110,7 @@ bool sqlite_row_writer::bind(int index, const QString &text)
         result = sqlite3_bind_null(statement_, index + 1);
     } else {
         if (!narrow(text, &bound.utf8))
-            bound.utf8 = text::whole_characters(text).toUtf8();
+            bound.utf8 = text::stored_utf8(text);
         result = sqlite3_bind_text(statement_, index + 1, bound.utf8.constData(), bound.utf8.size(),
                                    SQLITE_STATIC);
     }
