@@ -45,6 +45,16 @@ void property_list_parser::parse_copy(const QByteArray &bytes)
     });
 }
 
+void property_list_parser::parse_swapped(QByteArray *bytes)
+{
+    parse([bytes](QByteArray *buffer) {
+        if (bytes->size() > max_list_bytes)
+            return false;
+        buffer->swap(*bytes);
+        return true;
+    });
+}
+
 void property_list_parser::empty_buffers()
 {
     forget();

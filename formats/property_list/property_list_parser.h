@@ -24,6 +24,8 @@ public:
     // than one may have.
     void parse_file(evidence::evidence_file *open_file);
     void parse_copy(const QByteArray &bytes);
+    // Takes the bytes and leaves a former buffer in their place: large lists are not kept twice.
+    void parse_swapped(QByteArray *bytes);
     // Forgets the list, but not the buffers.
     void forget()
     {

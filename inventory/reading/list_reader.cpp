@@ -96,25 +96,25 @@ void list_reader::read_content(const evidence::evidence_file &file, list_account
 {
     if (file.size() > formats::max_list_bytes)
         return fail(QStringLiteral("it is larger than any list of the client"), account);
-    QByteArray bytes;
-    if (!file.read_all(&bytes, formats::max_list_bytes))
+    if (!file.read_all(&bytes_, formats::max_list_bytes))
         return fail(QStringLiteral("it cannot be read to its end"), account);
-    account->sha256 = sha256_of(bytes);
-    if (bytes.isEmpty())
+    account->sha256 = sha256_of(bytes_);
+    if (bytes_.isEmpty())
         return fail(QStringLiteral("it is empty"), account);
-    take_apart(bytes, account);
+    take_apart(account);
 }
 
-void list_reader::take_apart(const QByteArray &bytes, list_account *account)
+void list_reader::take_apart(list_account *account)
 {
-    parser_.parse_copy(bytes);
+    const int size = bytes_.size();
+    parser_.parse_swapped(&bytes_);
     if (parser_.contents() == nullptr)
         return fail(QStringLiteral("it is no property list, or only a part of one"), account);
     const property_list_value root = parser_.root();
     if (!root.is(value_kind::dictionary))
         fail(QStringLiteral("it is a property list, but holds no keys"), account);
     account->values_are_whole =
-        collect_values(parser_, value_limits_of(bytes.size()), &account->values);
+        collect_values(parser_, value_limits_of(size), &account->values);
     if (!root.is(value_kind::dictionary) || account->list.kind == list_kind::preferences)
         return;
     QString reason;

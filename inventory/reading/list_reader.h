@@ -17,9 +17,10 @@ public:
 
 private:
     void read_content(const evidence::evidence_file &file, list_account *account);
-    void take_apart(const QByteArray &bytes, list_account *account);
+    void take_apart(list_account *account);
 
     formats::property_list_parser parser_;
+    QByteArray bytes_; // of the list, until the parser takes them
 };
 
 } // namespace inventory
