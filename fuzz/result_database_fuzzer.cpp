@@ -30,7 +30,7 @@ void read_table(host::result_reader &database, const QString &table)
         return;
     static_cast<void>(database.count(table));
     qint64 read = 0;
-    database.for_each_row(table, columns, limit, [&](const QVariantList &row) {
+    database.for_each_row(table, columns, {}, limit, [&](const QVariantList &row) {
         ++read;
         if (row.size() != columns.size())
             std::abort();

@@ -1,26 +1,27 @@
 #include "host/show_command.h"
 
-#include "host/options/command_line.h"
+#include "host/display/shown_values.h"
+#include "host/findings/list_json.h"
 #include "host/findings/result_reader.h"
+#include "host/options/command_line.h"
+#include "host/options/show_options.h"
 #include "log/visible_text.h"
 #include "results/database/result_tables.h"
 
-#include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <memory>
+#include <numeric>
 #include <vector>
+
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 namespace host {
 
 namespace {
-
-constexpr help_text help = {
-    "show [options] RESULT_DIR",
-    "  plugin_host show /cases/7/results --tables bookmarks,history --limit 20\n"
-    "  plugin_host show /cases/7/results --tables transfers --format csv > transfers.csv\n\n"
-    "Exit status: 0 done, 2 wrong usage, 4 no result database that can be read."};
 
 constexpr int widest_cell = 48; // characters; a longer text is cut in the aligned form
 
@@ -40,92 +41,39 @@ constexpr short_form short_forms[] = {
     {results::export_table, "INT,record,table_name,filepath"},
 };
 
-struct show_options
-{
-    QString directory;
-    QStringList tables;
-    QStringList columns; // empty: the short form, or all of them for CSV
-    qint64 limit = -1;   // rows of each table; negative: all
-    bool csv = false;
-};
-
-std::optional<exit_status> read_show_options(const QStringList &arguments, show_options &options)
-{
-    QCommandLineParser parser;
-    parser.addOption({QStringLiteral("tables"),
-                      QStringLiteral("Comma list of tables (default: all)."),
-                      QStringLiteral("LIST"), results::table_names().join(QLatin1Char(','))});
-    parser.addOption({QStringLiteral("columns"),
-                      QStringLiteral("Comma list of columns, or all (default: the telling ones; "
-                                     "all for csv)."),
-                      QStringLiteral("LIST")});
-    parser.addOption({QStringLiteral("limit"),
-                      QStringLiteral("Print at most N rows of each table (default: all)."),
-                      QStringLiteral("N")});
-    parser.addOption({QStringLiteral("format"),
-                      QStringLiteral("text: aligned, NULL as \"-\", long texts cut (default); csv: "
-                                     "whole texts in quotes, NULL as nothing."),
-                      QStringLiteral("text|csv"), QStringLiteral("text")});
-    parser.addPositionalArgument(QStringLiteral("RESULT_DIR"),
-                                 QStringLiteral("The result directory of an extraction."));
-    if (const auto ended = parse(parser, arguments, help))
-        return ended;
-
-    const auto refused = [](const QString &problem) {
-        return report({exit_status::wrong_usage, problem});
-    };
-    if (parser.positionalArguments().size() != 1)
-        return refused(QStringLiteral("show takes one RESULT_DIR; try 'plugin_host show --help'."));
-    const QString format = parser.value(QStringLiteral("format"));
-    if (format != QLatin1String("text") && format != QLatin1String("csv"))
-        return refused(QStringLiteral("--format takes text or csv, not '%1'.").arg(format));
-    bool is_number = true;
-    if (parser.isSet(QStringLiteral("limit")))
-        options.limit = parser.value(QStringLiteral("limit")).toLongLong(&is_number);
-    if (!is_number || (parser.isSet(QStringLiteral("limit")) && options.limit < 0))
-        return refused(QStringLiteral("--limit takes a whole number from 0 on, not '%1'.")
-                           .arg(parser.value(QStringLiteral("limit"))));
-    options.directory = parser.positionalArguments().constFirst();
-    options.tables = comma_list(parser.value(QStringLiteral("tables")));
-    options.columns = comma_list(parser.value(QStringLiteral("columns")));
-    options.csv = format == QLatin1String("csv");
-    return std::nullopt;
-}
-
+// The columns that are shown. Those that the table does not have go to `unknown`.
 QStringList columns_to_show(const show_options &options, const QString &table,
-                            const QStringList &existing)
+                            const QStringList &existing, QStringList *unknown)
 {
+    const bool is_for_people = options.form != show_form::csv && options.form != show_form::json;
     QStringList wanted = options.columns;
-    if (wanted.isEmpty() && !options.csv) {
+    if (wanted.isEmpty() && is_for_people && options.form != show_form::one_value_a_line) {
         for (const short_form &form : short_forms) {
             if (table == QLatin1String(form.table))
                 wanted = comma_list(QLatin1String(form.columns));
         }
+        wanted.erase(
+            std::remove_if(wanted.begin(), wanted.end(),
+                           [&](const QString &column) { return !existing.contains(column); }),
+            wanted.end());
     }
     if (wanted.isEmpty() || wanted == QStringList{QStringLiteral("all")})
         return existing;
-    QStringList shown;
-    for (const QString &column : qAsConst(wanted)) {
-        if (existing.contains(column))
-            shown.append(column);
+    QStringList named = wanted;
+    for (const auto &condition : options.where)
+        named.append(condition.first);
+    for (const QString &column : qAsConst(named)) {
+        if (!existing.contains(column))
+            unknown->append(column);
     }
-    return shown;
+    return wanted;
 }
 
-// A NUL would end the text for most readers.
-QString shown_text(const QVariant &value)
+// Cut in the middle: both ends of a path matter.
+QString cut(const QString &text)
 {
-    return value.toString().replace(QChar(0), QChar(0x2400));
-}
-
-QString cell_text(const QVariant &value)
-{
-    if (!value.isValid())
-        return QStringLiteral("-");
-    const QString text = logging::visible_text(shown_text(value));
     if (text.size() <= widest_cell)
         return text;
-    // Cut in the middle: both ends of a path matter.
     constexpr int kept = (widest_cell - 1) / 2;
     return text.left(kept) + QChar(0x2026) + text.right(kept);
 }
@@ -168,46 +116,110 @@ void print_aligned(const std::vector<QStringList> &lines)
     }
 }
 
-bool show_as_text(result_reader &database, const QString &table, const QStringList &columns,
-                  qint64 limit)
+// Wide enough for every line; the width of no terminal is no bound.
+bool would_wrap(const std::vector<QStringList> &lines)
 {
-    const qint64 rows = database.count(table).value_or(0);
-    std::vector<QStringList> lines = {columns};
-    const bool read =
-        database.for_each_row(table, columns, limit, [&lines](const QVariantList &row) {
+    struct winsize size = {};
+    if (::isatty(STDOUT_FILENO) == 0 || ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 ||
+        size.ws_col == 0)
+        return false;
+    std::vector<int> widths(static_cast<size_t>(lines.front().size()), 0);
+    for (const QStringList &line : lines) {
+        for (int i = 0; i < line.size(); ++i)
+            widths[size_t(i)] = std::max(widths[size_t(i)], columns_of(line.at(i)) + 2);
+    }
+    return std::accumulate(widths.begin(), widths.end(), 0) > int(size.ws_col) + 2;
+}
+
+void print_one_a_line(const std::vector<QStringList> &lines)
+{
+    const QStringList &columns = lines.front();
+    int widest = 0;
+    for (const QString &column : columns)
+        widest = std::max(widest, int(column.size()));
+    for (size_t row = 1; row < lines.size(); ++row) {
+        QString text;
+        for (int i = 0; i < columns.size(); ++i)
+            text += QStringLiteral("%1  %2\n").arg(columns.at(i), -widest).arg(lines[row].at(i));
+        print(text + QLatin1Char('\n'));
+    }
+}
+
+struct shown_table
+{
+    QString name;
+    QStringList columns;
+};
+
+bool show_as_text(result_reader &database, const shown_table &table, const show_options &options)
+{
+    std::vector<QStringList> lines = {table.columns};
+    const bool read = database.for_each_row(
+        table.name, table.columns, options.where, options.limit, [&](const QVariantList &row) {
             QStringList line;
-            for (const QVariant &value : row)
-                line.append(cell_text(value));
+            for (int i = 0; i < row.size(); ++i)
+                line.append(row.at(i).isValid()
+                                ? logging::visible_text(
+                                      shown_value(row.at(i), table.columns.at(i), options.style))
+                                : QStringLiteral("-"));
             lines.push_back(line);
         });
     const qint64 shown = static_cast<qint64>(lines.size()) - 1;
+    const qint64 rows = options.where.isEmpty() ? database.count(table.name).value_or(0) : shown;
     const QString part = shown < rows ? QStringLiteral(", the first %1").arg(shown) : QString();
-    print(QStringLiteral("%1: %2 rows%3\n").arg(table).arg(rows).arg(part));
-    if (shown > 0)
-        print_aligned(lines);
+    print(QStringLiteral("%1: %2 rows%3\n").arg(table.name).arg(rows).arg(part));
+    std::vector<QStringList> cut_lines = lines;
+    for (size_t i = 1; i < cut_lines.size(); ++i)
+        std::transform(cut_lines[i].begin(), cut_lines[i].end(), cut_lines[i].begin(), cut);
+    const bool is_long = options.form == show_form::one_value_a_line || would_wrap(cut_lines);
+    if (shown > 0 && is_long)
+        print_one_a_line(lines);
+    else if (shown > 0)
+        print_aligned(cut_lines);
     print(QStringLiteral("\n"));
     return read;
 }
 
-// NULL is shown as nothing, an empty text as a pair of quotes.
-QString csv_field(const QVariant &value)
+bool show_as_csv(result_reader &database, const shown_table &table, const show_options &options)
 {
-    if (!value.isValid())
-        return {};
-    return QLatin1Char('"') + shown_text(value).replace(QLatin1Char('"'), QLatin1String("\"\"")) +
-           QLatin1Char('"');
+    print(table.columns.join(QLatin1Char(',')) + QLatin1Char('\n'));
+    return database.for_each_row(
+        table.name, table.columns, options.where, options.limit, [&](const QVariantList &row) {
+            QStringList fields;
+            for (int i = 0; i < row.size(); ++i)
+                fields.append(csv_field(row.at(i), table.columns.at(i), options.style));
+            print(fields.join(QLatin1Char(',')) + QLatin1Char('\n'));
+        });
 }
 
-bool show_as_csv(result_reader &database, const QString &table, const QStringList &columns,
-                 qint64 limit)
+QByteArray json_value(const QVariant &value, const QString &column, const value_style &style)
 {
-    print(columns.join(QLatin1Char(',')) + QLatin1Char('\n'));
-    return database.for_each_row(table, columns, limit, [](const QVariantList &row) {
-        QStringList fields;
-        for (const QVariant &value : row)
-            fields.append(csv_field(value));
-        print(fields.join(QLatin1Char(',')) + QLatin1Char('\n'));
-    });
+    if (!value.isValid())
+        return "null";
+    const bool is_number =
+        value.type() == QVariant::LongLong && (style.is_raw || !is_time_column(column));
+    return is_number
+               ? QByteArray::number(value.toLongLong())
+               : json_text(style.is_raw ? value.toString() : shown_value(value, column, style));
+}
+
+// Columns keep their order.
+bool show_as_json(result_reader &database, const shown_table &table, const show_options &options)
+{
+    print(QString::fromUtf8(json_text(table.name)) + QStringLiteral(": ["));
+    bool is_first = true;
+    const bool read = database.for_each_row(
+        table.name, table.columns, options.where, options.limit, [&](const QVariantList &row) {
+            QByteArray text = is_first ? "\n  {" : ",\n  {";
+            is_first = false;
+            for (int i = 0; i < row.size(); ++i)
+                text += (i == 0 ? QByteArray() : QByteArray(", ")) +
+                        json_text(table.columns.at(i)) + ": " +
+                        json_value(row.at(i), table.columns.at(i), options.style);
+            print(QString::fromUtf8(text + '}'));
+        });
+    print(QStringLiteral("]"));
+    return read;
 }
 
 // Each plug-in has a folder below Artifacts_Result with a database of the same name in it.
@@ -225,14 +237,63 @@ QString find_database(const QString &directory)
 
 } // namespace
 
+namespace {
+
+// The table in the one of the databases that has it.
+struct open_databases
+{
+    std::unique_ptr<result_reader> result;
+    std::unique_ptr<result_reader> inventory; // null when there is none
+
+    [[nodiscard]] result_reader *with(const QString &table) const
+    {
+        if (inventory && result->columns(table).isEmpty())
+            return inventory.get();
+        return result.get();
+    }
+};
+
+// Finds the table and the columns that were asked for.
+std::optional<failure> find_table(const open_databases &databases, const QString &name,
+                                  const show_options &options, shown_table *table)
+{
+    result_reader *const database = databases.with(name);
+    const QStringList existing = database->columns(name);
+    if (existing.isEmpty())
+        return failure{
+            exit_status::wrong_usage,
+            QStringLiteral("there is no table %1; there are: %2.")
+                .arg(name, (results::table_names() +
+                            (databases.inventory ? databases.inventory->tables() : QStringList()))
+                               .join(QStringLiteral(", ")))};
+    QStringList unknown;
+    *table = {name, columns_to_show(options, name, existing, &unknown)};
+    if (unknown.isEmpty())
+        return std::nullopt;
+    return failure{
+        exit_status::wrong_usage,
+        QStringLiteral("the table %1 has no column %2; it has: %3.")
+            .arg(name, unknown.join(QStringLiteral(", ")), existing.join(QStringLiteral(", ")))};
+}
+
+bool show_table(const open_databases &databases, const shown_table &table,
+                const show_options &options)
+{
+    auto *show = show_as_text;
+    if (options.form == show_form::csv)
+        show = show_as_csv;
+    else if (options.form == show_form::json)
+        show = show_as_json;
+    return show(*databases.with(table.name), table, options);
+}
+
+} // namespace
+
 exit_status run_show(const QStringList &arguments)
 {
     show_options options;
     if (const auto ended = read_show_options(arguments, options))
         return *ended;
-    if (is_lost_working_folder({options.directory}))
-        return report({exit_status::wrong_usage,
-                       QStringLiteral("the working folder is gone; give absolute paths.")});
     const QString path = find_database(options.directory);
     if (path.isEmpty()) {
         return report({exit_status::result_unusable,
@@ -240,28 +301,35 @@ exit_status run_show(const QStringList &arguments)
                                       "extraction.")
                            .arg(options.directory)});
     }
-    result_reader database(path);
-    if (!database.is_open()) {
+    open_databases databases;
+    databases.result = std::make_unique<result_reader>(path);
+    if (!databases.result->is_open()) {
         return report({exit_status::result_unusable,
                        QStringLiteral("the result database %1 cannot be read (%2); extract again.")
-                           .arg(path, database.problem())});
+                           .arg(path, databases.result->problem())});
     }
-    for (const QString &table : qAsConst(options.tables)) {
-        const QStringList existing = database.columns(table);
-        const QStringList columns = columns_to_show(options, table, existing);
-        if (columns.isEmpty()) {
-            return report({exit_status::wrong_usage,
-                           QStringLiteral("the result database has no such table or columns: %1; "
-                                          "check --tables and --columns.")
-                               .arg(table)});
-        }
-        const auto show = options.csv ? show_as_csv : show_as_text;
-        if (!show(database, table, columns, options.limit)) {
-            return report({exit_status::result_unusable,
-                           QStringLiteral("the table %1 of %2 cannot be read; extract again.")
-                               .arg(table, path)});
-        }
+    const QString inventory = options.directory + QStringLiteral("/inventory.sqlite");
+    if (QFileInfo(inventory).isFile())
+        databases.inventory = std::make_unique<result_reader>(inventory);
+    if (databases.inventory && !databases.inventory->is_open())
+        databases.inventory.reset();
+    std::vector<shown_table> tables(static_cast<size_t>(options.tables.size()));
+    for (size_t i = 0; i < tables.size(); ++i) {
+        if (const auto problem =
+                find_table(databases, options.tables.at(int(i)), options, &tables[i]))
+            return report(*problem);
     }
+    const bool is_json = options.form == show_form::json;
+    for (const shown_table &table : tables) {
+        if (is_json)
+            print(&table == &tables.front() ? QStringLiteral("{") : QStringLiteral(",\n"));
+        if (!show_table(databases, table, options))
+            return report(
+                {exit_status::result_unusable,
+                 QStringLiteral("the table %1 cannot be read; extract again.").arg(table.name)});
+    }
+    if (is_json)
+        print(QStringLiteral("}\n"));
     return exit_status::done;
 }
 

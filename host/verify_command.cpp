@@ -86,7 +86,7 @@ private:
         if (!inventory.is_open())
             return;
         inventory.for_each_row(QStringLiteral("list"),
-                               {QStringLiteral("file"), QStringLiteral("sha256")}, -1,
+                               {QStringLiteral("file"), QStringLiteral("sha256")}, {}, -1,
                                [this](const QVariantList &row) {
                                    const QString file = row.at(0).toString();
                                    known_.insert(file);

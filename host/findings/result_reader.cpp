@@ -8,7 +8,12 @@ namespace host {
 
 namespace {
 
-constexpr char connection_name[] = "result_reader";
+// Two may be open at the same time.
+QString next_name()
+{
+    static int last = 0;
+    return QStringLiteral("result_reader_%1").arg(++last);
+}
 
 QString quoted(QString name)
 {
@@ -19,8 +24,8 @@ QString quoted(QString name)
 } // namespace
 
 result_reader::result_reader(const QString &path)
-    : connection_(
-          QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QLatin1String(connection_name)))
+    : name_(next_name())
+    , connection_(QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name_))
 {
     if (!QFileInfo(path).isFile()) {
         problem_ = QStringLiteral("there is no such file");
@@ -40,7 +45,7 @@ result_reader::~result_reader()
 {
     connection_.close();
     connection_ = {};
-    QSqlDatabase::removeDatabase(QLatin1String(connection_name));
+    QSqlDatabase::removeDatabase(name_);
 }
 
 bool result_reader::is_table(const QString &name)
@@ -73,7 +78,19 @@ QStringList result_reader::columns(const QString &table)
     return names;
 }
 
-bool result_reader::for_each_row(const QString &table, const QStringList &columns, qint64 limit,
+QStringList result_reader::tables()
+{
+    QStringList names;
+    QSqlQuery query(connection_);
+    query.exec(
+        QStringLiteral("select name from sqlite_master where type = 'table' order by rowid"));
+    while (query.next())
+        names.append(query.value(0).toString());
+    return names;
+}
+
+bool result_reader::for_each_row(const QString &table, const QStringList &columns,
+                                 const conditions &where, qint64 limit,
                                  const std::function<void(const QVariantList &)> &take)
 {
     if (!is_table(table))
@@ -81,12 +98,22 @@ bool result_reader::for_each_row(const QString &table, const QStringList &column
     QStringList quoted_columns;
     for (const QString &column : columns)
         quoted_columns.append(quoted(column));
+    QString filter;
+    for (const auto &condition : where) {
+        filter += filter.isEmpty() ? QStringLiteral("where ") : QStringLiteral("and ");
+        filter += QStringLiteral("cast(%1 as text) = ? ").arg(quoted(condition.first));
+    }
     QSqlQuery query(connection_);
     query.setForwardOnly(true);
     // The key is the row number.
-    if (!query.exec(QStringLiteral("select %1 from %2 order by rowid limit %3")
-                        .arg(quoted_columns.join(QLatin1Char(',')), quoted(table))
-                        .arg(limit)))
+    if (!query.prepare(QStringLiteral("select ") + quoted_columns.join(QLatin1Char(',')) +
+                       QStringLiteral(" from ") + quoted(table) + QLatin1Char(' ') + filter +
+                       QStringLiteral("order by rowid limit ?")))
+        return false;
+    for (const auto &condition : where)
+        query.addBindValue(condition.second);
+    query.addBindValue(limit);
+    if (!query.exec())
         return false;
     while (query.next()) {
         QVariantList row;

@@ -169,6 +169,10 @@ const std::vector<refusal> refusals = {
     {"show without an extraction", "show @/elsewhere", 4, "no result database"},
     {"show a broken database", "show @/broken", 4, "cannot be read"},
     {"show with a wrong limit", "show --limit -3 @/elsewhere", 2, "--limit"},
+    {"show in no zone", "show --timezone Mars @/elsewhere", 2, "--timezone"},
+    {"scan without a source", "scan", 2, "SOURCE"},
+    {"verify without a result", "verify @/elsewhere", 4, "run.json"},
+    {"inspect a missing file", "inspect @/gone", 3, "missing"},
 };
 
 TEST_F(plugin_host, refuses_in_one_line_and_creates_nothing)
@@ -374,8 +378,21 @@ TEST_F(plugin_host, shows_null_apart_from_empty_and_keeps_rows_on_their_lines)
                                             "2    \"c\"\n\n"));
     EXPECT_EQ(run(show + QStringLiteral(" --limit 1 --columns nickname")).out,
               QStringLiteral("bookmarks: 2 rows, the first 1\nnickname\na\\u000ab\n\n"));
-    EXPECT_EQ(run(show + QStringLiteral(" --format csv")).out,
-              QStringLiteral("INT,nickname,comment\n\"1\",\"a\nb\",\n\"2\",\"\"\"c\"\"\",\"\"\n"));
+    EXPECT_EQ(
+        run(show + QStringLiteral(" --format csv")).out,
+        QStringLiteral("INT,nickname,comment\n\"1\",\"a\\u000ab\",\n\"2\",\"\"\"c\"\"\",\"\"\n"));
+    EXPECT_EQ(run(show + QStringLiteral(" --format csv --raw --limit 1")).out,
+              QStringLiteral("INT,nickname,comment\n\"1\",\"a\nb\",\n"));
+    EXPECT_EQ(run(show + QStringLiteral(" --format json --where INT=2")).out,
+              QStringLiteral("{\"bookmarks\": [\n  {\"INT\": 2, \"nickname\": \"\\\"c\\\"\", "
+                             "\"comment\": \"\"}]}\n"));
+    EXPECT_EQ(run(show + QStringLiteral(" --long --where INT=1")).out,
+              QStringLiteral("bookmarks: 1 rows\nINT       1\nnickname  a\\u000ab\n"
+                             "comment   -\n\n\n"));
+    const outcome unknown = run(show + QStringLiteral(" --columns INT,hosts"));
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.out, QString());
+    EXPECT_TRUE(unknown.err.contains(QStringLiteral("hosts; it has: INT, nickname, comment")));
 }
 
 TEST_F(plugin_host, extracts_with_the_library_beside_it_under_any_locale)
