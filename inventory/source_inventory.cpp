@@ -1,5 +1,6 @@
 #include "inventory/source_inventory.h"
 
+#include "evidence/access/source_open.h"
 #include "evidence/files/evidence_file.h"
 #include "evidence/files/file_names.h"
 #include "evidence/folders/folder_listing.h"
@@ -9,7 +10,6 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <unistd.h>
 
 namespace inventory {
 
@@ -42,9 +42,7 @@ QString volume_name(const evidence::source_boundary &boundary, const QString &ro
         const dirent *const entry = folder.next();
         if (entry == nullptr)
             break;
-        char target[2];
-        if (::readlinkat(folder.descriptor(), entry->d_name, target, sizeof target) == 1 &&
-            target[0] == '/')
+        if (evidence::read_link(folder.descriptor(), entry->d_name) == "/")
             return evidence::decoded_name(entry->d_name);
     }
     return {};

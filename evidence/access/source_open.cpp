@@ -5,9 +5,11 @@
 
 #include <fcntl.h>
 #include <sys/syscall.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 
 #ifdef SYS_openat2
@@ -118,6 +120,13 @@ descriptor read_held(const descriptor &held, int flags)
     std::snprintf(path, sizeof path, "/proc/self/fd/%d", held.get());
     return keeping_access_time(O_RDONLY | O_CLOEXEC | flags,
                                [&path](int with) { return descriptor(::open(path, with)); });
+}
+
+QByteArray read_link(int parent, const char *name)
+{
+    char target[PATH_MAX];
+    const ssize_t length = ::readlinkat(parent, name, target, sizeof target);
+    return length < 0 ? QByteArray() : QByteArray(target, static_cast<int>(length));
 }
 
 } // namespace evidence

@@ -3,6 +3,8 @@
 
 #include "evidence/access/descriptor.h"
 
+#include <QByteArray>
+
 namespace evidence {
 
 // Each opens `path`, relative to the open folder `parent` or AT_FDCWD. No component of it may be a
@@ -22,6 +24,9 @@ namespace evidence {
 
 // For reading what was held, whatever its path names now.
 [[nodiscard]] descriptor read_held(const descriptor &held, int flags);
+
+// What the link `name` in the open folder `parent` says, as it is written; null for anything else.
+[[nodiscard]] QByteArray read_link(int parent, const char *name);
 
 // What open_unchanged does on a system that cannot refuse links by itself.
 [[nodiscard]] descriptor open_step_by_step(int parent, const char *path, int flags);

@@ -175,11 +175,9 @@ private:
     {
         if (++links_followed_ > max_links_followed)
             return reach::missing;
-        char target[PATH_MAX];
-        const ssize_t length = ::readlinkat(folder(), name.constData(), target, sizeof target);
-        if (length <= 0 || length == static_cast<ssize_t>(sizeof target))
+        const QByteArray text = read_link(folder(), name.constData());
+        if (text.isEmpty() || text.size() == PATH_MAX)
             return reach::missing;
-        const QByteArray text(target, static_cast<int>(length));
         return text.startsWith('/') ? follow_absolute(text) : (push(text), reach::inside);
     }
 

@@ -221,6 +221,13 @@ void search_lists(const extract_options &options, const run::cancellation &cance
         inventory::list_finder finder(source.layout.root, source.layout.shown_root, options.tabs,
                                       cancelled);
         source.found = finder.find(source.layout.places);
+        for (const QString &name : qAsConst(source.layout.outside_homes))
+            source.found.notes.push_back(
+                {name,
+                 QStringLiteral("/Users/") + name,
+                 QStringLiteral("this home is a link that leads out of the source"),
+                 {},
+                 true});
     }
 }
 

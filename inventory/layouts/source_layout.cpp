@@ -55,6 +55,11 @@ public:
         return place.where == reach::inside && place.file->is_folder();
     }
 
+    [[nodiscard]] bool leads_outside(const QString &below) const
+    {
+        return boundary_.resolve(root_ + below).where == reach::outside;
+    }
+
     // There, or nobody can tell.
     [[nodiscard]] bool may_be_there(const QString &below) const
     {
@@ -149,7 +154,11 @@ recognised_source volume_at(const examined_folder &folder, const QString &below,
     const QString users = with_slash(below) + QStringLiteral("Users/");
     for (const QString &name : homes_in(folder, users))
         add_home(name, folder.root() + users + name + QLatin1Char('/'), &source);
-    static_cast<void>(folder.names_in(users, &source.unreadable_homes));
+    const QStringList names = folder.names_in(users, &source.unreadable_homes);
+    for (const QString &name : names) {
+        if (folder.leads_outside(users + name))
+            source.outside_homes.append(name);
+    }
     return source;
 }
 

@@ -24,6 +24,7 @@ struct recognised_source
     std::vector<searched_home> homes;   // by user
     std::vector<searched_place> places; // of the homes, or of folders that lie about
     QStringList unreadable_homes;       // whose names are no text
+    QStringList outside_homes;          // names of links that lead out of the source
 };
 
 struct recognition

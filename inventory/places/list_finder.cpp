@@ -1,15 +1,15 @@
 #include "inventory/places/list_finder.h"
 
+#include "evidence/access/source_open.h"
 #include "evidence/files/file_names.h"
 
 #include <QPair>
 #include <QSet>
 
 #include <algorithm>
-#include <climits>
 #include <tuple>
 
-#include <unistd.h>
+#include <fcntl.h>
 
 namespace inventory {
 
@@ -19,15 +19,6 @@ using evidence::folder_walk;
 using evidence::reach;
 
 constexpr char leads_outside[] = "it is a link that leads out of the source";
-
-// As it is written; null for anything but a link.
-QString target_of_link(const QByteArray &real_path)
-{
-    char target[PATH_MAX];
-    const ssize_t length = ::readlink(real_path.constData(), target, sizeof target);
-    return length < 0 ? QString()
-                      : evidence::decoded_name(QByteArray(target, static_cast<int>(length)));
-}
 
 void skip(const QString &reason, found_list *list)
 {
@@ -39,11 +30,6 @@ void fail(const QString &reason, found_list *list)
 {
     list->status = list_status::failed;
     list->reason = reason;
-}
-
-QString without_slash(const QString &path)
-{
-    return path.endsWith(QLatin1Char('/')) ? path.chopped(1) : path;
 }
 
 bool comes_before(const found_list &left, const found_list &right)
@@ -92,6 +78,24 @@ QString list_finder::why_not_in_tables(const searched_place &place, bool is_in_u
     return {};
 }
 
+// What the link says that leads out of the source on the way to `path`. Its folder lies inside, and
+// nothing beyond it is looked at.
+QString list_finder::target_outside(const QString &path) const
+{
+    QString inside = root_;
+    const QStringList names = path.mid(root_.size()).split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    for (const QString &name : names) {
+        if (boundary_.resolve(inside + name).where == reach::outside) {
+            const evidence::descriptor folder = evidence::hold_folder(
+                AT_FDCWD, evidence::encoded_name(boundary_.resolve(inside).path).constData());
+            return evidence::decoded_name(
+                evidence::read_link(folder.get(), evidence::encoded_name(name).constData()));
+        }
+        inside += name + QLatin1Char('/');
+    }
+    return {};
+}
+
 bool list_finder::search(const searched_place &place, bool is_in_use)
 {
     const evidence::resolved_path real = boundary_.hold(place.path);
@@ -102,7 +106,7 @@ bool list_finder::search(const searched_place &place, bool is_in_use)
         return false;
     case reach::outside:
         note(place.user, place.shown, QStringLiteral("a link on the way leads out of the source"),
-             true, target_of_link(evidence::encoded_name(without_slash(place.path))));
+             true, target_outside(place.path));
         return false;
     case reach::denied:
         note(place.user, on_source(real.path), QStringLiteral("this folder may not be read"), true);
@@ -197,7 +201,8 @@ void list_finder::take_link(const folder_walk &walk, found_list *list)
         list->real_path = evidence::encoded_name(real.path);
         return;
     }
-    const QString target = target_of_link(walk.encoded_real_path());
+    const QString target = evidence::decoded_name(
+        evidence::read_link(walk.folder_descriptor(), walk.name().constData()));
     if (real.where == reach::outside) {
         skip(QLatin1String(leads_outside), list);
         note(list->user, list->path, QStringLiteral("a link that leads out of the source"), false,

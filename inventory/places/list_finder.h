@@ -52,6 +52,7 @@ private:
                           const QString &why_skipped);
     void note(const QString &user, const QString &path, const QString &text, bool is_failure,
               const QString &target = {});
+    [[nodiscard]] QString target_outside(const QString &path) const;
     [[nodiscard]] QString on_source(const QString &path) const;
     [[nodiscard]] QString why_not_in_tables(const searched_place &place, bool is_in_use) const;
 

@@ -113,8 +113,7 @@ void list_reader::take_apart(list_account *account)
     const property_list_value root = parser_.root();
     if (!root.is(value_kind::dictionary))
         fail(QStringLiteral("it is a property list, but holds no keys"), account);
-    account->values_are_whole =
-        collect_values(parser_, value_limits_of(size), &account->values);
+    account->values_are_whole = collect_values(parser_, value_limits_of(size), &account->values);
     if (!root.is(value_kind::dictionary) || account->list.kind == list_kind::preferences)
         return;
     QString reason;
