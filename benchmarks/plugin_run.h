@@ -19,7 +19,7 @@ struct lone_run
     int records = -1;
     double elapsed_us = 0;
     double processor_us = 0;
-    double peak_mib = 0;     // resident
+    double peak_mib = 0; // resident
 };
 
 // The command that starts this program for such a run.
