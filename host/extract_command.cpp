@@ -176,6 +176,7 @@ private:
             request.source.layout = source.layout.layout;
             request.source.count_name = QStringLiteral("Source%1").arg(source.number);
             request.found = &source.found;
+            request.is_volume = source.layout.is_volume;
             requests.push_back(std::move(request));
         }
         taking_ = std::make_unique<inventory::source_inventory>(

@@ -5,6 +5,9 @@
 #include "evidence/files/file_names.h"
 #include "evidence/folders/folder_listing.h"
 #include "formats/property_list/property_list_parser.h"
+#include "inventory/reading/list_remarks.h"
+
+#include <QDateTime>
 
 #include <chrono>
 #include <utility>
@@ -92,8 +95,12 @@ bool source_inventory::take(const inventory_request &request, reading_progress *
         is_written = is_written && database_->add_place(source, place);
     for (const found_note &note : request.found->notes)
         is_written = is_written && database_->add_note(source, note);
+    list_remarks remarks(request.source.root, request.is_volume,
+                         QDateTime::currentMSecsSinceEpoch(), cancelled_);
     const auto write = [&](const list_account &account) {
         is_written = is_written && database_->add_list(source, account);
+        for (const found_note &note : remarks.of(account))
+            is_written = is_written && database_->add_note(source, note);
     };
     const bool is_read = read_lists(request.found->lists, jobs_, cancelled_, progress, write);
     return is_written && is_read;

@@ -20,6 +20,7 @@ struct inventory_request
 {
     source_facts source;
     const found_on_source *found = nullptr;
+    bool is_volume = true; // so that local paths lead somewhere
 };
 
 // Reads and hashes the lists of several sources, one source after the other, and writes what they

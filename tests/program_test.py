@@ -134,6 +134,21 @@ class layouts(program):
         self.assertEqual(query(self.out / "inventory.sqlite", "select source, rows from list"),
                          [(1, 1), (2, 1), (3, 1), (4, 1)])
 
+    def test_odd_values_are_noted(self):
+        home = self.scratch / "disk/Users/al" / SUPPORT / "Transfers"
+        home.mkdir(parents=True)
+        (self.scratch / "disk/Volumes/Stick").mkdir(parents=True)
+        (self.scratch / "disk/Volumes/Stick/a").write_bytes(b"12345")
+        paths = ["/Volumes/Stick/a", "/Volumes/Stick/b", "/../../etc/passwd", "/Users/al/x", "~/y"]
+        (home / "t.cyberducktransfer").write_bytes(plistlib.dumps({
+            "Host": {"Hostname": "h"}, "Timestamp": "9999999999999",
+            "Items": [{"Local Dictionary": {"Path": path}} for path in paths]}))
+        self.extract(self.scratch / "disk")
+        notes = query(self.out / "inventory.sqlite", "select text, target from note order by id")
+        self.assertEqual([(text.rpartition(": ")[2], target) for text, target in notes], [
+            ("a file of 5 bytes is there", paths[0]), ("nothing is there", paths[1]),
+            ("it leads out of the source", paths[2]), ("9999999999999", None)])
+
     def test_nothing(self):
         (self.scratch / "empty/Users/eve").mkdir(parents=True)
         image = self.scratch / "disk.E01"
