@@ -8,7 +8,7 @@ namespace {
 
 constexpr size_t most_notes = 100;
 constexpr int most_shown = 30;
-constexpr qint64 clocks_may_differ_ms = 24 * 3600 * 1000;
+constexpr qint64 clocks_may_differ_ms = 24LL * 3600 * 1000;
 
 bool is_time(const QByteArray &path)
 {

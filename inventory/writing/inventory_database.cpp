@@ -4,7 +4,6 @@
 #include "evidence/files/file_names.h"
 #include "text/dates/iso_8601.h"
 
-
 #include <sqlite3.h>
 
 namespace inventory {
@@ -120,8 +119,8 @@ std::optional<qint64> inventory_database::number_of(const char *query)
 bool inventory_database::open(const QString &path, bool is_there)
 {
     const int how = is_there ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
-    if (!check(sqlite3_open_v2(evidence::encoded_name(path).constData(), &database_, how, nullptr) ==
-               SQLITE_OK) ||
+    if (!check(sqlite3_open_v2(evidence::encoded_name(path).constData(), &database_, how,
+                               nullptr) == SQLITE_OK) ||
         !execute(for_speed))
         return false;
     if (is_there) {
