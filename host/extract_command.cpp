@@ -156,10 +156,11 @@ private:
     {
         if (sources_[index].layout.is_volume)
             return std::nullopt;
-        views_[index] =
-            make_view(sources_[index],
-                      place_.view + QString::number(sources_[index].number) + QLatin1Char('/'),
-                      stop_.cancellation());
+        const QString root =
+            place_.view + QString::number(sources_[index].number) + QLatin1Char('/');
+        // No result has this number: a run that was killed has left it.
+        QDir(root).removeRecursively();
+        views_[index] = make_view(sources_[index], root, stop_.cancellation());
         return views_[index].problem;
     }
 

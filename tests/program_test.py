@@ -113,6 +113,9 @@ class layouts(program):
 
     def test_loose_lists(self):
         folder = self.copy(EXAMPLE / "Users/amelia" / SUPPORT, "Cyberduck")
+        left = self.out / "view/1/Users/unknown" / SUPPORT / "Bookmarks/Web server.duck"
+        left.parent.mkdir(parents=True)
+        left.write_bytes(b"what a killed run has left")
         self.extract(folder)
         names = {row[0].rpartition("/")[2] for row in rows_of_lists(self.out)["bookmarks"]}
         self.extract("--force", folder / "Bookmarks/Web server.duck")

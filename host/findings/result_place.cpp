@@ -114,8 +114,8 @@ std::optional<failure> check_apart_from_source(const result_place &place, const 
                                                const QString &source)
 {
     // Checks each part: one of them may be a link that an earlier run or an adversary left.
-    for (const QString &path :
-         {place.directory, place.plugin_folder, place.temporary_folder, place.database}) {
+    for (const QString &path : {place.directory, place.plugin_folder, place.temporary_folder,
+                                place.database, place.inventory, place.run_account, place.view}) {
         if (is_inside(path, source)) {
             return refused(QStringLiteral("the result directory's %1 is inside the source %2, "
                                           "which must not change; give a RESULT_DIR outside it.")

@@ -151,6 +151,7 @@ const std::vector<refusal> refusals = {
      "inside the source"},
     {"source reached by a link", "extract @/to_source @/src/out", 4, "inside the source"},
     {"database leads into the source", "extract @/src @/trap", 4, "inside the source"},
+    {"copied lists lead into the source", "extract @/src @/trap_of_view", 4, "inside the source"},
     {"source in the plug-in's folder",
      "extract @/own/Artifacts_Result/Scripted_plug-in/tmp/Users @/own", 4, "removes"},
     {"an earlier result", "extract @/src @/old", 4, "--force replaces it, --append adds to it"},
@@ -190,6 +191,8 @@ TEST_F(plugin_host, refuses_in_one_line_and_creates_nothing)
     write("broken/Artifacts_Result/X/X.sqlite", "this is no database, but long enough for one");
     ASSERT_EQ(::mkfifo(QFile::encodeName(path("pipe")).constData(), 0600), 0);
     QDir().mkpath(path("old/Artifacts_Result/Scripted_plug-in"));
+    QDir().mkpath(path("trap_of_view"));
+    QFile::link(path("src/new"), path("trap_of_view/view"));
     write("old/" OLD_DATABASE, "");
 
     for (const refusal &row : refusals) {
